@@ -1,0 +1,61 @@
+// Texts and fonts as they can be shown.
+#include <QApplication>
+#include <QFontDatabase>
+
+#include "ui/qt_widget.h"
+
+namespace dorn {
+
+namespace {
+
+bool is_direction_override(char16_t c) {
+    return c == 0x061C || c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) ||
+           (c >= 0x2066 && c <= 0x2069);
+}
+
+}  // namespace
+
+QString ui_text(const char* text) {
+    QString shown = QString::fromUtf8(text);
+    for (QChar& c : shown) {
+        const char16_t unit = c.unicode();
+        if (unit < 0x20 && unit != u'\n')
+            c = QChar(char16_t(0x2400 + unit));  // the pictures of the control characters
+        else if (unit == 0x7F)
+            c = QChar(u'\u2421');
+        else if (is_direction_override(unit) || (unit >= 0x80 && unit < 0xA0))
+            c = QChar(u'\uFFFD');
+    }
+    return shown;
+}
+
+QString ui_label_text(const char* text) {
+    return ui_text(text).replace(u'&', QStringLiteral("&&"));
+}
+
+QFont ui_font(const char* name) {
+    const QFont desktop = QApplication::font();
+    QString family = QString::fromUtf8(name).trimmed();
+    bool bold = false;
+    bool italic = false;
+    while (family.endsWith(u'b') || family.endsWith(u'i')) {
+        const qsizetype before = family.size() - 2;
+        const bool after_digits = before >= 0 && (family[before].isDigit() || family[before] == u'b');
+        if (!after_digits) break;
+        (family.back() == u'b' ? bold : italic) = true;
+        family.chop(1);
+    }
+    qsizetype digits = family.size();
+    while (digits > 0 && family[digits - 1].isDigit()) --digits;
+    const int points = family.mid(digits).toInt();
+    family.truncate(digits);
+    if (family.isEmpty() || points <= 0 || points > 200) return desktop;
+    QFont font = desktop;
+    if (family != u"TextFont") font.setFamily(family);
+    if (family != u"TextFont" || points != 8) font.setPointSize(points);
+    font.setBold(bold);
+    font.setItalic(italic);
+    return font;
+}
+
+}  // namespace dorn

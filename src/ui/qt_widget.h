@@ -1,0 +1,41 @@
+// Between the opaque handles and the toolkit's objects; for the Qt side only.
+#pragma once
+
+#include <QFont>
+#include <QIcon>
+#include <QString>
+#include <QWidget>
+
+#include "ui/widget.h"
+
+namespace dorn {
+
+inline Widget* handle(QWidget* widget) { return reinterpret_cast<Widget*>(widget); }
+inline QWidget* qt(Widget* widget) { return reinterpret_cast<QWidget*>(widget); }
+inline const QWidget* qt(const Widget* widget) { return reinterpret_cast<const QWidget*>(widget); }
+
+/// The widget with that instance name as its Qt class; null when it is missing or another class.
+template <class T>
+T* qt_instance(const char* name) {
+    return qobject_cast<T*>(qt(w_instance(name)));
+}
+
+/// Makes every named widget below `root`, itself included, known to w_instance.
+void ui_register_instances(QWidget* root);
+
+/// The font that a font name of the configuration record stands for: a family, a size in points of
+/// two digits or more, then "b" and "i" for bold and italic ("DejaVu Sans10b"). "TextFont" is the
+/// desktop's own font; a name that is none gives that, too.
+QFont ui_font(const char* name);
+
+/// The picture of that name: the desktop theme's icon `theme_name` where given and present, else
+/// our own from the resources, drawn for light or dark palettes.
+QIcon ui_icon(const char* own_name, const char* theme_name = nullptr);
+
+/// `text` as it can be shown: control characters and direction overrides made visible, invalid
+/// UTF-8 replaced. For display only, never the way back to a file.
+QString ui_text(const char* text);
+/// The same with every "&" doubled, for menus and buttons.
+QString ui_label_text(const char* text);
+
+}  // namespace dorn
