@@ -1,18 +1,24 @@
 // Between the opaque handles and the toolkit's objects; for the Qt side only.
 #pragma once
 
+#include "ui/widget.h"
+
 #include <QFont>
 #include <QIcon>
 #include <QString>
 #include <QWidget>
 
-#include "ui/widget.h"
-
 namespace dorn {
 
-inline Widget* handle(QWidget* widget) { return reinterpret_cast<Widget*>(widget); }
-inline QWidget* qt(Widget* widget) { return reinterpret_cast<QWidget*>(widget); }
-inline const QWidget* qt(const Widget* widget) { return reinterpret_cast<const QWidget*>(widget); }
+inline Widget* handle(QWidget* widget) {
+    return reinterpret_cast<Widget*>(widget);
+}
+inline QWidget* qt(Widget* widget) {
+    return reinterpret_cast<QWidget*>(widget);
+}
+inline const QWidget* qt(const Widget* widget) {
+    return reinterpret_cast<const QWidget*>(widget);
+}
 
 /// The widget with that instance name as its Qt class; null when it is missing or another class.
 template <class T>
@@ -28,8 +34,15 @@ void ui_register_instances(QWidget* root);
 /// desktop's own font; a name that is none gives that, too.
 QFont ui_font(const char* name);
 
+/// Makes our own pictures the fallback icon theme ("dorn"), so that a themed icon is found where
+/// the desktop has none. To be called before the application object exists.
+void ui_setup_icon_theme();
+
 /// The picture of that name: the desktop theme's icon `theme_name` where given and present, else
-/// our own from the resources, drawn for light or dark palettes.
+/// our own from the resources (":/pictures/NAME.svg"). Ours is drawn at the device's pixels, its
+/// text-coloured parts follow the application's palette as it is when painted (disabled and
+/// selected have their own colours), and a coloured picture is faded when disabled. A glyph on a
+/// dark palette is always ours. An unknown name gives a null icon. Event-loop thread only.
 QIcon ui_icon(const char* own_name, const char* theme_name = nullptr);
 
 /// `text` as it can be shown: control characters and direction overrides made visible, invalid
