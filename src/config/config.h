@@ -2,32 +2,34 @@
 //
 // The record is a file format: it is read and written byte for byte, in host byte order
 // (little-endian), with no header and no checksum. Character arrays are NUL-terminated and written
-// whole. What comes from disk is bounded and terminated before anything uses it.
+// whole. What comes from disk is bounded and terminated before anything uses it; numbers are kept
+// as they were read, so whoever uses a size or a time-out bounds it there.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace dorn {
 
 struct Config {
-    int32_t reserved0;          // 1 in the defaults; nothing reads it
-    int32_t dirs_first;         // non-zero: folders are listed before files
-    char edit_cmd[2048];        // "@" stands for the selected names, as in the next one
+    int32_t reserved0;    // 1 in the defaults; nothing reads it
+    int32_t dirs_first;   // non-zero: folders are listed before files
+    char edit_cmd[2048];  // "@" stands for the selected names, as in the next one
     char print_cmd[1024];
-    char term_cmd[1024];        // opens a terminal in the current directory
+    char term_cmd[1024];  // opens a terminal in the current directory
     char hotlist_font[255];
     char list_font[255];
-    int32_t column_width[6];    // pixels; columns 1 to 6
-    int32_t hotlist_width;      // pixels
-    int32_t win_height;         // pixels
-    int32_t win_width;          // pixels
-    int32_t keyfind_timeout;    // milliseconds
-    uint32_t flags;             // the bits below
-    int32_t save_on_exit;       // non-zero: the record is written when the main window closes
-    char show_hotlist;          // non-zero: the hotlist panel is shown
-    char alt_encoding[1025];    // name of the alternate character set; empty: not specified
+    int32_t column_width[6];  // pixels; columns 1 to 6
+    int32_t hotlist_width;    // pixels
+    int32_t win_height;       // pixels
+    int32_t win_width;        // pixels
+    int32_t keyfind_timeout;  // milliseconds
+    uint32_t flags;           // the bits below
+    int32_t save_on_exit;     // non-zero: the record is written when the main window closes
+    char show_hotlist;        // non-zero: the hotlist panel is shown
+    char alt_encoding[1025];  // name of the alternate character set; empty: not specified
 };
 static_assert(sizeof(Config) == 5692);
 static_assert(offsetof(Config, dirs_first) == 4);
@@ -70,10 +72,10 @@ inline constexpr uint32_t kDefaultFlags =
 static_assert(kDefaultFlags == 0x924);
 
 // Bits of gOptions that are tested somewhere. The word starts as 0xFFFFFBFF.
-inline constexpr uint32_t kOptionDotEntries = 0x104;     // follow "Hide 'dot' Files", inverted
+inline constexpr uint32_t kOptionDotEntries = 0x104;  // follow "Hide 'dot' Files", inverted
 inline constexpr uint32_t kOptionInlineCompletion = 0x10;
 inline constexpr uint32_t kOptionColourWebAddress = 0x20;
-inline constexpr uint32_t kOptionProbeFiles = 0x400;     // initially clear
+inline constexpr uint32_t kOptionProbeFiles = 0x400;  // initially clear
 inline constexpr uint32_t kOptionTreeDotEntries = 0x800;
 inline constexpr uint32_t kOptionTreeSorted = 0x1000;
 inline constexpr uint32_t kOptionShowParent = 0x2000;
@@ -92,15 +94,18 @@ extern const std::string* gConfigPath;
 /// Puts the defaults of every field that has one into `config`; the others stay.
 void config_set_defaults(Config& config);
 
-/// Fills `config`, which is zeroed first, from the file `name` in the directory `dir`: the record as
-/// read (every text terminated), or the defaults when the file can't be opened or is short, a
+/// Fills `config` from the bytes of a configuration file, as config_load does.
+uint32_t config_parse(Config& config, std::string_view bytes);
+
+/// Fills `config`, which is zeroed first, from the file `name` in the directory `dir`: the record
+/// as read (every text terminated), or the defaults when the file can't be opened or is short, a
 /// directory `dir` of null meaning just that. Then settles the format mark: bits of gOptions follow
 /// "Hide 'dot' Files", and a record of another layout gets the default flags. Returns the encoding
 /// bits to use for file names (kEncodingTryUtf8, kEncodingAlternate or 0). Never fails.
 uint32_t config_load(Config& config, const char* dir, const char* name);
 
-/// Writes `config` to the file `name` in `dir`, whole or not at all, with the format mark set in the
-/// live record. 0, or -1 when it can't be written or `dir` is null.
+/// Writes `config` to the file `name` in `dir`, whole or not at all, with the format mark set in
+/// the live record. 0, or -1 when it can't be written or `dir` is null.
 int init_save_config(Config* config, const char* dir, const char* name);
 
 }  // namespace dorn

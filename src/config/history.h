@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace dorn {
 
@@ -20,16 +21,21 @@ struct HistoryList {
 };
 inline constexpr uint32_t kHistoryChanged = 0x1;  // not yet shown in the combo box
 
-// One list a combo box. Null before init_read_cboxs and after init_destroy_cboxs; set by these alone.
+// One list a combo box. Null before init_read_cboxs and after init_destroy_cboxs; set by these
+// alone.
 extern std::unique_ptr<HistoryList> gPathList;     // "goto.001": path field
 extern std::unique_ptr<HistoryList> gSpecList;     // "fspec.001": filter field
 extern std::unique_ptr<HistoryList> gPatternList;  // "pattern.001": select by pattern
 extern std::unique_ptr<HistoryList> gWithList;     // "with.001": Open With; never written
 extern std::unique_ptr<HistoryList> gCopyList;     // "copy.001": destinations; never written
 
-/// A list filled from the file (at most 20 lines, of at most 1022 bytes; a longer line becomes more
-/// than one entry) with the changed flag set. Never null; a missing file or a null argument gives an
-/// empty list.
+/// A list filled from the content of a history file, as cl_read does. A line counts up to a NUL
+/// byte in it.
+std::unique_ptr<HistoryList> cl_parse(std::string_view content);
+
+/// A list filled from the file (at most 20 lines, of at most 1022 bytes with their newline; a
+/// longer one becomes more than one entry) with the changed flag set. Never null; a missing file or
+/// a null argument gives an empty list.
 std::unique_ptr<HistoryList> cl_read(const char* directory, const char* file_name);
 
 /// Writes the entries, newest first, one a line; whole or not at all. A file that can't be written

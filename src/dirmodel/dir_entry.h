@@ -1,23 +1,23 @@
 // The records of the directory model: one entry, and the cache of the shown directory.
 #pragma once
 
+#include "platform/file_status.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "platform/file_status.h"
-
 namespace dorn {
 
 struct ListRow;  // a row of the file list; filelist/ owns it
 
 // Bits of DirEntry::flags.
-inline constexpr uint32_t kEntryCurrent = 0x1;   // the current entry (never set on entry 0)
+inline constexpr uint32_t kEntryCurrent = 0x1;  // the current entry (never set on entry 0)
 inline constexpr uint32_t kEntrySelected = 0x2;
-inline constexpr uint32_t kEntryLink = 0x4;      // link_text holds text to show
-inline constexpr uint32_t kEntryBroken = 0x10;   // the attributes could not be read
+inline constexpr uint32_t kEntryLink = 0x4;     // link_text holds text to show
+inline constexpr uint32_t kEntryBroken = 0x10;  // the attributes could not be read
 
 inline constexpr std::size_t kNameSize = 256;
 inline constexpr std::size_t kLinkSize = 1024;  // bytes of the longest target kept
@@ -27,8 +27,9 @@ struct DirEntry : FileStatus {
     char name[kNameSize];  // bytes as on disk, NUL-terminated
     uint32_t flags;
     uint32_t extra;  // not used by the reader
-    /// What the link column shows when flags has kEntryLink: a link's target, or an error text. Heap
-    /// memory of `link_room` bytes, kept with the record across reads; null before its first use.
+    /// What the link column shows when flags has kEntryLink: a link's target, or an error text.
+    /// Heap memory of `link_room` bytes, kept with the record across reads; null before its first
+    /// use.
     char* link_text;
     uint32_t link_room;  // bytes allocated, terminator included; at most kLinkSize + 1
     ListRow* row;        // the entry's row, valid until the rows are rebuilt; not owned
@@ -49,9 +50,9 @@ class EntrySlabs {
 /// `spare` hold records kept for reuse; the rest are null. count + spare <= capacity.
 struct DirCache {
     DirEntry** entries = nullptr;  // malloc'ed array of `capacity` slots
-    std::string path;              // the directory, bytes; empty while none is set; filelist/ sets it
-    std::string filespec;          // the filename filter
-    int64_t total_size = 0;        // bytes, over the shown entries
+    std::string path;        // the directory, bytes; empty while none is set; filelist/ sets it
+    std::string filespec;    // the filename filter
+    int64_t total_size = 0;  // bytes, over the shown entries
     int32_t count = 0;
     int32_t n_dirs = 0;
     int32_t n_selected = 0;

@@ -4,12 +4,12 @@
 // changes the process's working directory to the one it reads.
 #pragma once
 
-#include <cstdint>
-
 #include "dirmodel/dir_entry.h"
 #include "dirmodel/dir_sort.h"
 #include "platform/dirstream.h"
 #include "ui/timer.h"
+
+#include <cstdint>
 
 namespace dorn {
 

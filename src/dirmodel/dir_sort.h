@@ -2,9 +2,9 @@
 // Event-loop thread only.
 #pragma once
 
-#include <cstdint>
-
 #include "dirmodel/dir_entry.h"
+
+#include <cstdint>
 
 namespace dorn {
 

@@ -1,0 +1,129 @@
+#include "config/config.h"
+#include "platform/whole_file.h"
+#include "support/sandbox.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace dorn {
+namespace {
+
+constexpr char kFile[] = "config.003";
+
+class ConfigFile : public testing::Test {
+  protected:
+    ~ConfigFile() override {
+        gOptions = ~kOptionProbeFiles;
+    }
+
+    uint32_t load(const std::string& bytes) {
+        sandbox_.write(kFile, bytes);
+        return config_load(config_, sandbox_.path(), kFile);
+    }
+
+    std::string saved_bytes() {
+        std::string bytes;
+        EXPECT_EQ(read_whole_file(sandbox_.file(kFile), 100000, &bytes), 0);
+        return bytes;
+    }
+
+    static std::string record_bytes(const Config& config) {
+        return std::string(reinterpret_cast<const char*>(&config), sizeof config);
+    }
+
+    Sandbox sandbox_;
+    Config config_;
+};
+
+TEST_F(ConfigFile, MissingFileGivesTheDefaultsWithDotFilesHidden) {
+    EXPECT_EQ(config_load(config_, sandbox_.path(), kFile), 0U);
+    EXPECT_EQ(config_.flags, 0x925U);
+    EXPECT_EQ(gOptions, 0xFFFFFBFFU & ~0x104U);
+    EXPECT_STREQ(config_.edit_cmd, "ored @");
+    EXPECT_STREQ(config_.list_font, "TextFont08");
+    EXPECT_EQ(config_.column_width[5], 75);
+    EXPECT_EQ(config_.save_on_exit, 1);
+    EXPECT_EQ(config_.show_hotlist, 1);
+}
+
+TEST_F(ConfigFile, NullDirectoryIsNotTheCurrentOne) {
+    EXPECT_EQ(config_load(config_, nullptr, kFile), 0U);
+    EXPECT_EQ(config_.win_width, 600);
+    EXPECT_EQ(init_save_config(&config_, nullptr, kFile), -1);
+    EXPECT_EQ(config_.flags & kFormatMark, 0U);
+}
+
+TEST_F(ConfigFile, SavedRecordIsReadBackByteForByte) {
+    config_load(config_, sandbox_.path(), kFile);
+    config_.flags = kDefaultFlags | kEncodingTryUtf8;
+    std::strcpy(config_.alt_encoding, "ISO-8859-1");
+    config_.win_width = 1234;
+    ASSERT_EQ(init_save_config(&config_, sandbox_.path(), kFile), 0);
+    const std::string bytes = saved_bytes();
+    ASSERT_EQ(bytes.size(), 5692U);
+    EXPECT_EQ(bytes[4659], '\xFF');
+    EXPECT_EQ(bytes.substr(4648, 4), std::string("\xD2\x04\0\0", 4));
+    EXPECT_EQ(bytes.substr(4665, 10), "ISO-8859-1");
+
+    Config again;
+    EXPECT_EQ(config_load(again, sandbox_.path(), kFile), kEncodingTryUtf8);
+    EXPECT_EQ(record_bytes(again), bytes);
+    EXPECT_EQ(gOptions, 0xFFFFFBFFU);
+}
+
+TEST_F(ConfigFile, FlagsFollowTheFormatMark) {
+    struct Row {
+        uint32_t in, flags, encoding, options;
+    };
+    const Row rows[] = {
+        {0xFF000924, 0xFF000924, 0, 0xFFFFFBFF},
+        {0xFF000925, 0xFF000925, 0, 0xFFFFFAFB},
+        {0xFF004001, 0xFF004001, kEncodingAlternate, 0xFFFFFAFB},
+        {0xFF000000, 0xFF000000, 0, 0xFFFFFBFF},
+        {0x00000000, 0x924, 0, 0xFFFFFBFF},  // an older layout
+        {0x00002000, 0x925, 0, 0xFFFFFAFB},
+        {0x7F002924, 0x925, 0, 0xFFFFFAFB},
+    };
+    Config record{};
+    for (const Row& row : rows) {
+        record.flags = row.in;
+        EXPECT_EQ(load(record_bytes(record)), row.encoding) << std::hex << row.in;
+        EXPECT_EQ(config_.flags, row.flags) << std::hex << row.in;
+        EXPECT_EQ(gOptions, row.options) << std::hex << row.in;
+    }
+}
+
+TEST_F(ConfigFile, LengthDecidesBetweenTheRecordAndTheDefaults) {
+    Config record{};
+    record.flags = 0xFF000000;
+    record.win_width = 77;
+    record.alt_encoding[0] = 'X';
+    const std::string whole = record_bytes(record);
+
+    load(whole.substr(0, 5691));
+    EXPECT_EQ(config_.win_width, 600);
+    EXPECT_EQ(config_.flags, 0x925U);
+    EXPECT_STREQ(config_.alt_encoding, "X");
+    load(whole + "more");
+    EXPECT_EQ(config_.win_width, 77);
+}
+
+TEST_F(ConfigFile, EveryTextIsTerminatedHoweverDamagedTheFile) {
+    load(std::string(5692, '\xFF'));
+    EXPECT_EQ(std::strlen(config_.edit_cmd), 2047U);
+    EXPECT_EQ(std::strlen(config_.print_cmd), 1023U);
+    EXPECT_EQ(std::strlen(config_.term_cmd), 1023U);
+    EXPECT_EQ(std::strlen(config_.hotlist_font), 254U);
+    EXPECT_EQ(std::strlen(config_.list_font), 254U);
+    EXPECT_EQ(std::strlen(config_.alt_encoding), 1024U);
+}
+
+TEST_F(ConfigFile, FailedSaveKeepsTheFileAndTheRecord) {
+    config_load(config_, sandbox_.path(), kFile);
+    EXPECT_EQ(init_save_config(&config_, sandbox_.file("missing").c_str(), kFile), -1);
+    EXPECT_EQ(config_.flags, 0x925U);
+}
+
+}  // namespace
+}  // namespace dorn

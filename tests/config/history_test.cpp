@@ -1,0 +1,131 @@
+#include "config/history.h"
+
+#include "platform/whole_file.h"
+#include "support/sandbox.h"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace dorn {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+Texts texts_of(const HistoryList* list) {
+    Texts texts;
+    for (int n = 1; const char* text = cl_get(list, n); ++n)
+        texts.emplace_back(text);
+    return texts;
+}
+
+Texts numbered(int newest, int oldest) {
+    Texts texts;
+    for (int n = newest; n >= oldest; --n)
+        texts.push_back(std::to_string(n));
+    return texts;
+}
+
+TEST(History, AddingKeepsTheLastTwentyNewestFirst) {
+    HistoryList list;
+    for (int n = 1; n <= 21; ++n)
+        cl_add(&list, std::to_string(n).c_str());
+    EXPECT_EQ(texts_of(&list), numbered(21, 2));
+    EXPECT_EQ(cl_get(&list, 21), nullptr);
+    EXPECT_EQ(cl_get(&list, 0), nullptr);
+}
+
+TEST(History, UsingAnEntryAgainMovesItToTheFrontInEveryStateOfTheRing) {
+    for (int held = 1; held <= 25; ++held) {
+        HistoryList full;
+        for (int n = 1; n <= held; ++n)
+            cl_add(&full, std::to_string(n).c_str());
+        for (int place = 1; place <= full.count; ++place) {
+            HistoryList list = full;
+            list.flags = 0;
+            Texts expected = texts_of(&list);
+            const std::string text = expected[static_cast<std::size_t>(place - 1)];
+            expected.erase(expected.begin() + place - 1);
+            expected.insert(expected.begin(), text);
+            cl_add(&list, text.c_str());
+            EXPECT_EQ(texts_of(&list), expected) << held << " held, place " << place;
+            EXPECT_EQ(list.flags, place == 1 ? 0U : kHistoryChanged);
+            cl_add(&list, "another");
+            expected.insert(expected.begin(), "another");
+            if (expected.size() > 20) expected.pop_back();
+            EXPECT_EQ(texts_of(&list), expected) << held << " held, place " << place;
+        }
+    }
+}
+
+TEST(History, FileIsCutIntoLinesAsFgetsWould) {
+    const std::string long_line(1021, 'x');
+    std::string many;
+    for (int n = 25; n >= 1; --n)
+        many += std::to_string(n) + "\n";
+    struct Row {
+        std::string content;
+        Texts entries;
+    };
+    const Row rows[] = {
+        {"", {}},
+        {"a\n\nb", {"a", "", "b"}},
+        {many, numbered(25, 6)},
+        {"a\na\n", {"a", "a"}},
+        {long_line + "\nz\n", {long_line, "z"}},
+        {long_line + "yz\n", {long_line + "y", "z"}},
+        {long_line + "y\n", {long_line + "y", ""}},
+        {std::string("a\0b\nc\n", 6), {"a", "c"}},
+        {"\xFF\r\n", {"\xFF\r"}},
+    };
+    for (const Row& row : rows) {
+        const auto list = cl_parse(row.content);
+        EXPECT_EQ(texts_of(list.get()), row.entries) << testing::PrintToString(row.content);
+        EXPECT_EQ(list->flags, kHistoryChanged);
+    }
+}
+
+TEST(History, CompletionPassesOverWebPrefixes) {
+    const auto list = cl_parse("gopher://host/\nfile:///usr/lib\n/usr/bin\nhttp:/x\n");
+    struct Row {
+        const char* text;
+        const char* found;
+    };
+    const Row rows[] = {
+        {"/us", "/usr/lib"},     {"file:///us", "/usr/lib"},
+        {"/usr/b", "/usr/bin"},  {"ftp://h", "host/"},
+        {"/usr/lib/x", nullptr}, {"HTTP://h", nullptr},
+        {"http:/", "http:/x"},   {"", "host/"},
+    };
+    for (const Row& row : rows)
+        EXPECT_STREQ(cl_find_pattern(list.get(), row.text), row.found);
+    EXPECT_EQ(cl_is_web_address(nullptr), nullptr);
+}
+
+TEST(History, ListsLiveFromReadingToDestroyingThem) {
+    const Sandbox sandbox;
+    sandbox.write("goto.001", "/tmp\n/usr\n");
+    sandbox.write("with.001", "vi\n");
+    init_read_cboxs(sandbox.path());
+    EXPECT_EQ(texts_of(gPathList.get()), (Texts{"/tmp", "/usr"}));
+    EXPECT_EQ(texts_of(gSpecList.get()), Texts{"*"});
+    cl_add(gPathList.get(), "/usr");
+    cl_add(gPatternList.get(), "*.c");
+    cl_add(gWithList.get(), "ed");
+    init_save_cboxs(sandbox.path());
+    init_save_cboxs(nullptr);
+    init_destroy_cboxs();
+    EXPECT_EQ(gPathList, nullptr);
+
+    init_read_cboxs(sandbox.path());
+    EXPECT_EQ(texts_of(gPathList.get()), (Texts{"/usr", "/tmp"}));
+    EXPECT_EQ(texts_of(gPatternList.get()), Texts{"*.c"});
+    EXPECT_EQ(texts_of(gWithList.get()), Texts{"vi"}) << "never written";
+    init_destroy_cboxs();
+    init_read_cboxs(nullptr);
+    EXPECT_EQ(gPathList->count, 0);
+    init_destroy_cboxs();
+    init_save_cboxs(sandbox.path());
+}
+
+}  // namespace
+}  // namespace dorn

@@ -1,0 +1,31 @@
+// A temporary directory of a test's own, removed with all it holds.
+#pragma once
+
+#include <string>
+
+namespace dorn {
+
+class Sandbox {
+  public:
+    Sandbox();
+    ~Sandbox();
+    Sandbox(const Sandbox&) = delete;
+    Sandbox& operator=(const Sandbox&) = delete;
+
+    const char* path() const {
+        return path_.c_str();
+    }
+
+    /// The path of `name` in the sandbox.
+    std::string file(const std::string& name) const;
+
+    /// Makes a file of that content, a directory or a symbolic link; `name` may be any bytes.
+    void write(const std::string& name, const std::string& content = {}) const;
+    void mkdir(const std::string& name) const;
+    void link(const std::string& target, const std::string& name) const;
+
+  private:
+    std::string path_;
+};
+
+}  // namespace dorn
