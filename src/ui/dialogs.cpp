@@ -1,22 +1,23 @@
 #include "ui/dialogs.h"
 
+#include "ui/qt_widget.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScreen>
+
 #include <array>
 #include <cstdarg>
 #include <cstdio>
-
-#include "ui/qt_widget.h"
 
 namespace dorn {
 
 namespace {
 
-std::string format_text(const char* format, va_list arguments) {
+[[gnu::format(printf, 1, 0)]] std::string format_text(const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, again);
@@ -117,7 +118,8 @@ Widget* wrecursive_find_child_class(Widget* widget, const char* class_name) {
     if (qstrcmp(top->metaObject()->className(), class_name) == 0) return widget;
     for (QObject* child : top->children()) {
         if (!child->isWidgetType()) continue;
-        Widget* found = wrecursive_find_child_class(handle(static_cast<QWidget*>(child)), class_name);
+        Widget* found =
+            wrecursive_find_child_class(handle(static_cast<QWidget*>(child)), class_name);
         if (found != nullptr) return found;
     }
     return nullptr;

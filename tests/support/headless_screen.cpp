@@ -1,15 +1,15 @@
 #include "support/headless_screen.h"
 
+#include "platform/spare_thread.h"
+#include "ui/background.h"
+#include "ui/dialogs.h"
+#include "ui/timer.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <deque>
 #include <map>
 #include <memory>
-
-#include "platform/spare_thread.h"
-#include "ui/background.h"
-#include "ui/dialogs.h"
-#include "ui/timer.h"
 
 namespace dorn {
 
@@ -33,7 +33,7 @@ Screen& screen() {
     return the_screen;
 }
 
-std::string format_text(const char* format, va_list arguments) {
+[[gnu::format(printf, 1, 0)]] std::string format_text(const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, again);
@@ -141,7 +141,6 @@ bool ui_bounded(std::function<void()> work, int timeout_ms) {
 struct Timer::Host {};
 Timer::Timer() = default;
 Timer::~Timer() = default;
-void Timer::arm(uint32_t) {
-}
+void Timer::arm(uint32_t) {}
 
 }  // namespace dorn
