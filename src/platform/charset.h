@@ -18,9 +18,9 @@ struct CharsetCloser {
 using CharsetPtr = std::unique_ptr<Charset, CharsetCloser>;
 
 enum class CharsetStatus {
-    Ok,            // everything was converted
-    Replaced,      // some characters have no equivalent; the replacement stands for each
-    Failed = -1,   // nothing usable: the output does not fit, or the text can't be represented
+    Ok,           // everything was converted
+    Replaced,     // some characters have no equivalent; the replacement stands for each
+    Failed = -1,  // nothing usable: the output does not fit, or the text can't be represented
 };
 
 struct CharsetResult {

@@ -12,9 +12,9 @@
 // while a fresh thread goes on with the next one (a call stuck in a dead mount can't be
 // interrupted, only left behind).
 //
-// A delivered entry is a RawDirEntry followed by its name, a NUL, and a chain of extra records, each
-// an ExtraHeader and its data. The chain starts at (namelen + 28) & ~7 from the entry's start and
-// each record at (previous start + data length + 8 + 7) & ~7; reclen bounds them all.
+// A delivered entry is a RawDirEntry followed by its name, a NUL, and a chain of extra records,
+// each an ExtraHeader and its data. The chain starts at (namelen + 28) & ~7 from the entry's start
+// and each record at (previous start + data length + 8 + 7) & ~7; reclen bounds them all.
 //
 // One thread reads from a stream. All failures are told by errno values; nothing is thrown.
 #pragma once
@@ -26,7 +26,9 @@ namespace dorn {
 
 struct RawDirEntry {
     uint64_t ino;
-    int32_t error;  // errno of the failed status call; 0: no status call has failed
+    // errno of the failed status call, 0 when none has failed. With a kExtraLstat record it is that
+    // of following the link: ENOENT where it dangles, ETIMEDOUT where its target hangs.
+    int32_t error;
     uint32_t reserved;
     uint16_t reclen;   // bytes from the start of this record to the start of the next
     uint16_t namelen;  // bytes of the name, without its NUL
@@ -59,9 +61,9 @@ enum class StreamState {
 
 inline constexpr int kStatusLimitMs = 10000;
 
-/// Starts to open `path` (bytes as the file system has them, copied). `limit_ms` is how long one
-/// system call may take before it is left behind; tests shorten it. Never null: what fails, fails
-/// in dirstream_opened.
+/// Starts to open `path` (bytes as the file system has them, copied). `limit_ms` is how long the
+/// system may take for one entry, for the opening or for a block of names before the thread is left
+/// behind; tests shorten it. Never null: what fails, fails in dirstream_opened.
 [[nodiscard]] DirStreamPtr dirstream_open(const char* path, int limit_ms = kStatusLimitMs);
 
 /// Waits at most `wait_ms` for the directory to be open. 1: it is; 0: not yet; -1: it can't be

@@ -1,9 +1,8 @@
 #include "platform/file_status.h"
 
-#include <sys/sysmacros.h>
-
 #include <algorithm>
 #include <limits>
+#include <sys/sysmacros.h>
 
 namespace dorn {
 

@@ -5,10 +5,9 @@
 // wrapped: a file from before 1970 shows as 1970, one from after 2106 as 2106.
 #pragma once
 
-#include <sys/stat.h>
-
 #include <cstddef>
 #include <cstdint>
+#include <sys/stat.h>
 
 namespace dorn {
 

@@ -1,9 +1,9 @@
 // Files kept per user are replaced whole or not at all.
 //
 // The new content goes into a temporary beside the file (beside its target, when the file is a
-// symbolic link), every write, the flush to the disk and the close are checked, and the temporary is
-// renamed over the file, whose mode it has taken. Where the folder takes no temporary the file is
-// written in place. A failure leaves the file as it was and no temporary behind.
+// symbolic link), every write, the flush to the disk and the close are checked, and the temporary
+// is renamed over the file, whose mode it has taken. Where the folder takes no temporary the file
+// is written in place. A failure leaves the file as it was and no temporary behind.
 #pragma once
 
 #include <string>

@@ -1,0 +1,254 @@
+#include "platform/dirstream.h"
+
+#include "platform/file_status.h"
+#include "sandbox.h"
+
+#include <cerrno>
+#include <condition_variable>
+#include <cstring>
+#include <fcntl.h>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace dorn {
+namespace {
+
+/// What a stream delivered of one entry.
+struct Seen {
+    int error = 0;
+    std::optional<FileStatus> lstat;
+    std::optional<FileStatus> stat;
+    std::optional<std::string> link;
+};
+
+template <typename T>
+T copy_of(const char* from) {
+    T to;
+    std::memcpy(&to, from, sizeof to);
+    return to;
+}
+
+Seen unpack_entry(const RawDirEntry& entry) {
+    Seen seen;
+    seen.error = entry.error;
+    const char* start = reinterpret_cast<const char*>(&entry);
+    std::size_t at = (entry.namelen + 28U) & ~7U;
+    while (at + sizeof(ExtraHeader) <= entry.reclen) {
+        const auto header = copy_of<ExtraHeader>(start + at);
+        const char* data = start + at + sizeof header;
+        EXPECT_LE(at + sizeof header + header.length, entry.reclen);
+        if (header.type == kExtraLstat) seen.lstat = copy_of<FileStatus>(data);
+        if (header.type == kExtraStat) seen.stat = copy_of<FileStatus>(data);
+        if (header.type == kExtraLink) seen.link = std::string(data, header.length);
+        at = (at + header.length + 8U + 7U) & ~std::size_t{7};
+    }
+    return seen;
+}
+
+/// What a stream delivered altogether.
+struct Drained {
+    StreamState state = StreamState::Later;
+    std::map<std::string, Seen> entries;
+    std::vector<std::string> order;
+};
+
+void drain(DirStream& stream, Drained* out) {
+    const RawDirEntry* entry = nullptr;
+    while ((out->state = dirstream_next(stream, 16, &entry)) <= StreamState::Later) {
+        if (out->state == StreamState::Later) continue;
+        const std::string name(reinterpret_cast<const char*>(entry) + kRawNameOffset);
+        EXPECT_EQ(name.size(), entry->namelen);
+        EXPECT_TRUE(out->entries.emplace(name, unpack_entry(*entry)).second) << name << " twice";
+        out->order.push_back(name);
+    }
+}
+
+Drained drain(const std::string& path, int limit_ms = kStatusLimitMs) {
+    Drained drained;
+    const DirStreamPtr stream = dirstream_open(path.c_str(), limit_ms);
+    drain(*stream, &drained);
+    return drained;
+}
+
+/// Holds the stream's thread in the status call of one name, like a dead mount does.
+class Hang {
+  public:
+    static void on(const std::string& name) {
+        const std::lock_guard lock(sMutex);
+        sName = name;
+        sHeld = 0;
+        dirstream_set_test_hook(&Hang::hold);
+    }
+    /// Lets the held threads go on, and waits until they have left.
+    static void release() {
+        dirstream_set_test_hook(nullptr);
+        std::unique_lock lock(sMutex);
+        sName.clear();
+        sChanged.notify_all();
+        sChanged.wait(lock, [] { return sHeld == 0; });
+    }
+    static int held() {
+        const std::lock_guard lock(sMutex);
+        return sHeld;
+    }
+
+  private:
+    static void hold(const char* name) {
+        std::unique_lock lock(sMutex);
+        if (!std::string(name).starts_with(sName) || sName.empty()) return;
+        ++sHeld;
+        sChanged.wait(lock, [] { return sName.empty(); });
+        --sHeld;
+        sChanged.notify_all();
+    }
+
+    inline static std::mutex sMutex;
+    inline static std::condition_variable sChanged;
+    inline static std::string sName;
+    inline static int sHeld = 0;
+};
+
+class DirStreamTest : public SandboxTest {
+  protected:
+    void make(const std::string& name) const {
+        const int fd = open(in(name).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+        ASSERT_GE(fd, 0) << name;
+        close(fd);
+    }
+    void make_many(int count) const {
+        for (int i = 0; i < count; ++i)
+            make("file" + std::to_string(10000 + i));
+    }
+};
+
+TEST_F(DirStreamTest, EveryNameComesOnceWithTheStatusThatLstatGives) {
+    make_many(5000);
+    ASSERT_EQ(mkdir(in("folder").c_str(), 0750), 0);
+    const Drained drained = drain(root());
+    EXPECT_EQ(drained.state, StreamState::End);
+    EXPECT_EQ(drained.entries.size(), 5001U);
+    for (const auto& [name, seen] : drained.entries) {
+        struct stat status {};
+        ASSERT_EQ(lstat(in(name).c_str(), &status), 0) << name;
+        const FileStatus expected = to_file_status(status);
+        ASSERT_TRUE(seen.lstat.has_value()) << name;
+        EXPECT_EQ(std::memcmp(&*seen.lstat, &expected, sizeof expected), 0) << name;
+        EXPECT_EQ(seen.error, 0) << name;
+        EXPECT_FALSE(seen.stat || seen.link) << name;
+    }
+}
+
+TEST_F(DirStreamTest, NamesOfAnyBytesAreDeliveredAsTheyAre) {
+    const std::vector<std::string> names = {std::string(255, 'x'),
+                                            "new\nline",
+                                            "tab\there",
+                                            "'quoted\"",
+                                            "-l",
+                                            "\xff\xfe invalid",
+                                            "...",
+                                            "..x",
+                                            ".hidden",
+                                            "\xe2\x80\xae"
+                                            "gpj",
+                                            " "};
+    for (const std::string& name : names)
+        make(name);
+    const Drained drained = drain(root());
+    for (const std::string& name : names)
+        EXPECT_EQ(drained.entries.count(name), 1U) << name;
+    EXPECT_EQ(drained.entries.size(), names.size());
+}
+
+TEST_F(DirStreamTest, LinksComeWithTheirTargetAndItsStatusWhereThereIsOne) {
+    make("file");
+    const std::string longest(4000, 'x');
+    const std::map<std::string, std::pair<std::string, int>> links = {
+        {"good", {"file", 0}},
+        {"folder", {"/", 0}},
+        {"dangling", {"nowhere", ENOENT}},
+        {"loop", {"loop", ELOOP}},
+        {"through", {"file/x", ENOTDIR}},
+        {"long", {longest, ENAMETOOLONG}}};
+    for (const auto& [name, link] : links)
+        ASSERT_EQ(symlink(link.first.c_str(), in(name).c_str()), 0);
+    const Drained drained = drain(root());
+    for (const auto& [name, link] : links) {
+        const Seen& seen = drained.entries.at(name);
+        EXPECT_EQ(seen.error, link.second) << name;
+        EXPECT_EQ(seen.link, link.first) << name;
+        ASSERT_TRUE(seen.lstat.has_value()) << name;
+        EXPECT_EQ(seen.lstat->mode & kTypeMask, kTypeLink) << name;
+        EXPECT_EQ(seen.stat.has_value(), link.second == 0) << name;
+    }
+    EXPECT_TRUE(is_directory(*drained.entries.at("folder").stat));
+}
+
+TEST_F(DirStreamTest, AnEntryThatVanishesBeforeItsStatusIsDeliveredWithTheError) {
+    make("here");
+    make("gone");
+    static std::string sGone;
+    sGone = in("gone");
+    dirstream_set_test_hook([](const char*) { unlink(sGone.c_str()); });
+    const Drained drained = drain(root());
+    dirstream_set_test_hook(nullptr);
+    EXPECT_EQ(drained.state, StreamState::End);
+    EXPECT_EQ(drained.entries.at("here").error, 0);
+    EXPECT_EQ(drained.entries.at("gone").error, ENOENT);
+    EXPECT_FALSE(drained.entries.at("gone").lstat.has_value());
+}
+
+TEST_F(DirStreamTest, WhatCannotBeOpenedFailsWithItsReason) {
+    make("file");
+    const std::pair<std::string, int> cases[] = {
+        {in("missing"), ENOENT},
+        {in("file"), ENOTDIR},
+        {in("file/x"), ENOTDIR},
+        {root() + "/" + std::string(300, 'x'), ENAMETOOLONG},
+        {"", ENOENT}};
+    for (const auto& [path, error] : cases) {
+        const DirStreamPtr stream = dirstream_open(path.c_str());
+        int opened = 0;
+        while ((opened = dirstream_opened(*stream, 16)) == 0) {
+        }
+        EXPECT_EQ(opened, -1) << path;
+        EXPECT_EQ(dirstream_error(*stream), error) << path;
+        EXPECT_EQ(dirstream_fd(*stream), -1);
+        const RawDirEntry* entry = nullptr;
+        EXPECT_EQ(dirstream_next(*stream, 16, &entry), StreamState::Failed) << path;
+    }
+}
+
+TEST_F(DirStreamTest, AStatusThatHangsIsTimedOutAndTheOthersComeInOrder) {
+    make_many(300);
+    const std::vector<std::string> order = drain(root()).order;
+    ASSERT_EQ(order.size(), 300U);
+    for (const std::size_t place : {std::size_t{0}, std::size_t{150}, std::size_t{299}}) {
+        Hang::on(order[place]);
+        const Drained drained = drain(root(), 250);
+        EXPECT_EQ(drained.state, StreamState::End);
+        EXPECT_EQ(drained.order, order);
+        for (const auto& [name, seen] : drained.entries) {
+            const bool hung = name.starts_with(order[place]);
+            EXPECT_EQ(seen.error, hung ? ETIMEDOUT : 0) << name;
+            EXPECT_EQ(seen.lstat.has_value(), !hung) << name;
+        }
+        Hang::release();
+    }
+}
+
+TEST_F(DirStreamTest, AStreamThatIsClosedEarlyLeavesItsThreadNothingToBreak) {
+    make_many(2000);
+    for (int taken = 0; taken < 300; ++taken) {
+        const DirStreamPtr stream = dirstream_open(root().c_str());
+        const RawDirEntry* entry = nullptr;
+        for (int i = 0; i < taken * 7; ++i)
+            if (dirstream_next(*stream, taken % 3, &entry) == StreamState::Later) break;
+    }
+}
+
+}  // namespace
+}  // namespace dorn
