@@ -1,14 +1,14 @@
 // Named actions, key bindings in named sections, and the widgets linked to a section.
 //
 // A key press in a linked widget is looked up in the widget's section; when it is bound, every
-// callback of the bound action runs. Bindings can be kept in a text file. Records live for the whole
-// run. Event-loop thread only.
+// callback of the bound action runs. Bindings can be kept in a text file. Records live for the
+// whole run. Event-loop thread only.
 #pragma once
-
-#include <cstdint>
 
 #include "ui/key_event.h"
 #include "ui/widget.h"
+
+#include <cstdint>
 
 namespace dorn {
 
@@ -24,8 +24,8 @@ int ac_link_widget(Widget* widget, const char* section);
 /// Removes the widget's link.
 void ac_unlink_widget(Widget* widget);
 
-/// Binds a key in a section to an action, all made when missing. The first binding of an action in a
-/// section is its active one. Returns 0.
+/// Binds a key in a section to an action, all made when missing. The first binding of an action in
+/// a section is its active one. Returns 0.
 int kb_attach(const char* action, const char* section, uint32_t modifiers, uint32_t key);
 
 /// Makes that binding the action's active one in the section. 0, or -1 when there is no such

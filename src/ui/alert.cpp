@@ -1,10 +1,10 @@
 // The modal alert behind every message and question.
+#include "ui/dialogs.h"
+#include "ui/qt_widget.h"
+
 #include <QAbstractButton>
 #include <QMessageBox>
 #include <QPushButton>
-
-#include "ui/dialogs.h"
-#include "ui/qt_widget.h"
 
 namespace dorn {
 

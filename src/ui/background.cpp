@@ -1,15 +1,16 @@
 #include "ui/background.h"
 
+#include "platform/spare_thread.h"
+#include "ui/dialogs.h"
+#include "ui/qt_widget.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QPointer>
 #include <QTimer>
+
 #include <deque>
 #include <memory>
-
-#include "platform/spare_thread.h"
-#include "ui/dialogs.h"
-#include "ui/qt_widget.h"
 
 namespace dorn {
 
@@ -58,7 +59,9 @@ struct AsyncCall {
     std::unique_ptr<SpareCall> call;
     QElapsedTimer since;
 
-    bool wanted() const { return !owned || owner; }
+    bool wanted() const {
+        return !owned || owner;
+    }
 };
 
 class AsyncCalls {

@@ -2,9 +2,9 @@
 // Event-loop thread only.
 #pragma once
 
-#include <functional>
-
 #include "ui/widget.h"
+
+#include <functional>
 
 namespace dorn {
 

@@ -1,10 +1,10 @@
 // Blocking: a widget that takes no input while something runs.
+#include "ui/dialogs.h"
+#include "ui/qt_widget.h"
+
 #include <QApplication>
 #include <QCursor>
 #include <QEvent>
-
-#include "ui/dialogs.h"
-#include "ui/qt_widget.h"
 
 namespace dorn {
 

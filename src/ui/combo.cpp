@@ -1,10 +1,10 @@
 #include "ui/combo.h"
 
+#include "ui/qt_widget.h"
+
 #include <QComboBox>
 #include <QLineEdit>
 #include <QSignalBlocker>
-
-#include "ui/qt_widget.h"
 
 namespace dorn {
 
@@ -14,7 +14,8 @@ int cl_apply(HistoryList* list, Widget* combo_box) {
     const QSignalBlocker quiet(combo);
     const QString text = combo->currentText();
     combo->clear();
-    for (int n = 1; n <= list->count; ++n) combo->addItem(QString::fromUtf8(cl_get(list, n)));
+    for (int n = 1; n <= list->count; ++n)
+        combo->addItem(QString::fromUtf8(cl_get(list, n)));
     combo->setEditText(text);
     if (list->count > 0) list->flags &= ~kHistoryChanged;
     return 1;

@@ -38,8 +38,12 @@ bool ui_is_blocked(const Widget* widget);
 /// A wblock that ends with the scope.
 class ScopedBlock {
   public:
-    explicit ScopedBlock(Widget* widget) : widget_(widget) { wblock(widget_, 1); }
-    ~ScopedBlock() { wblock(widget_, 0); }
+    explicit ScopedBlock(Widget* widget) : widget_(widget) {
+        wblock(widget_, 1);
+    }
+    ~ScopedBlock() {
+        wblock(widget_, 0);
+    }
     ScopedBlock(const ScopedBlock&) = delete;
     ScopedBlock& operator=(const ScopedBlock&) = delete;
 

@@ -1,8 +1,8 @@
 // Texts and fonts as they can be shown.
+#include "ui/qt_widget.h"
+
 #include <QApplication>
 #include <QFontDatabase>
-
-#include "ui/qt_widget.h"
 
 namespace dorn {
 
@@ -40,13 +40,15 @@ QFont ui_font(const char* name) {
     bool italic = false;
     while (family.endsWith(u'b') || family.endsWith(u'i')) {
         const qsizetype before = family.size() - 2;
-        const bool after_digits = before >= 0 && (family[before].isDigit() || family[before] == u'b');
+        const bool after_digits =
+            before >= 0 && (family[before].isDigit() || family[before] == u'b');
         if (!after_digits) break;
         (family.back() == u'b' ? bold : italic) = true;
         family.chop(1);
     }
     qsizetype digits = family.size();
-    while (digits > 0 && family[digits - 1].isDigit()) --digits;
+    while (digits > 0 && family[digits - 1].isDigit())
+        --digits;
     const int points = family.mid(digits).toInt();
     family.truncate(digits);
     if (family.isEmpty() || points <= 0 || points > 200) return desktop;

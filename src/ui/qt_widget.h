@@ -23,7 +23,7 @@ inline const QWidget* qt(const Widget* widget) {
 /// The widget with that instance name as its Qt class; null when it is missing or another class.
 template <class T>
 T* qt_instance(const char* name) {
-    return qobject_cast<T*>(qt(w_instance(name)));
+    return dynamic_cast<T*>(qt(w_instance(name)));
 }
 
 /// Makes every named widget below `root`, itself included, known to w_instance.

@@ -1,7 +1,7 @@
+#include "ui/qt_widget.h"
+
 #include <QHash>
 #include <QPointer>
-
-#include "ui/qt_widget.h"
 
 namespace dorn {
 
@@ -24,7 +24,8 @@ void ui_register_instances(QWidget* root) {
             instances().insert(widget->objectName().toLatin1(), widget);
     };
     add(root);
-    for (QWidget* widget : root->findChildren<QWidget*>()) add(widget);
+    for (QWidget* widget : root->findChildren<QWidget*>())
+        add(widget);
 }
 
 }  // namespace dorn
