@@ -1,10 +1,10 @@
 // The seven columns, their header buttons, and sorting by them. Event-loop thread only.
 #pragma once
 
-#include <cstdint>
-
 #include "dirmodel/dir_sort.h"
 #include "ui/widget.h"
+
+#include <cstdint>
 
 namespace dorn {
 

@@ -8,11 +8,11 @@
 //     fl_setpath("/usr");
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "dirmodel/dir_entry.h"
 #include "ui/widget.h"
+
+#include <cstdint>
+#include <string>
 
 namespace dorn {
 

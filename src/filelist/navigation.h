@@ -2,11 +2,11 @@
 // entry. Every move ends in fl_setpath. Event-loop thread only.
 #pragma once
 
+#include "ui/widget.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
-
-#include "ui/widget.h"
 
 namespace dorn {
 

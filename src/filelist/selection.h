@@ -1,6 +1,6 @@
-// The selection of the file list: the entries' selected flags, the counts that go with them, and the
-// search for entries by name. No operation is worse than linear in the entries; the status line and
-// the list are brought up to date once an operation. Event-loop thread only.
+// The selection of the file list: the entries' selected flags, the counts that go with them, and
+// the search for entries by name. No operation is worse than linear in the entries; the status line
+// and the list are brought up to date once an operation. Event-loop thread only.
 #pragma once
 
 #include <cstdint>
@@ -30,8 +30,8 @@ inline constexpr uint32_t kFindPrefix = 8;
 using FindCallback = int32_t (*)(int32_t index);
 
 /// The first entry whose name equals or begins with the text, as the flags say, or matches it as a
-/// pattern; with a callback that is called for each one, the last. -2 when there is none or the text
-/// is empty, -1 for "..". The walk begins at entry 0 whatever `start` says.
+/// pattern; with a callback that is called for each one, the last. -2 when there is none or the
+/// text is empty, -1 for "..". The walk begins at entry 0 whatever `start` says.
 int32_t x_find(const char* text, int32_t start, uint32_t flags, FindCallback callback);
 
 }  // namespace dorn

@@ -1,0 +1,60 @@
+// The list's widget: rows painted from the entries' own flags, mouse and keys turned into the
+// pane's operations.
+#pragma once
+
+#include <QTreeView>
+
+namespace dorn {
+
+class HeaderRow;
+
+class ListView : public QTreeView {
+  public:
+    explicit ListView(QWidget* parent = nullptr);
+
+    /// Finds the header row of the same window and keeps the columns in step with its buttons.
+    void attach_header();
+
+    int first_visible_row() const;
+    void set_first_visible_row(int row);
+    /// Highlights `row` as the current one, -1 for none, without scrolling.
+    void show_current_row(int row);
+    void scroll_to_row(int row);
+
+    /// The width that shows column 1 to 7 of the rows in sight whole, in pixels.
+    int natural_width(int column) const;
+
+    void setModel(QAbstractItemModel* model) override;
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    bool event(QEvent* event) override;
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) const override;
+    void scrollContentsBy(int dx, int dy) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    int row_at(const QPoint& position) const;
+    void press_select_button(const QMouseEvent* event);
+    void press_menu_button(int row);
+    void move_current(QKeyEvent* event, int row);
+    bool move_by_key(QKeyEvent* event);
+    void toggle_current(bool keep);
+
+    HeaderRow* header_row_ = nullptr;
+    int anchor_ = -1;                 // row where a range begins
+    int current_row_ = -1;            // the highlighted row
+    bool sweeping_ = false;           // the select button is held and sweeps a range
+    bool select_on_release_ = false;  // a press on a selected row narrows the selection on release
+};
+
+/// Opens the list's context menu at a global position; null (the start): there is none.
+void fl_set_menu_cb(void (*open_menu)(int x, int y));
+
+}  // namespace dorn

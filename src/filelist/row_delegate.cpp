@@ -1,0 +1,53 @@
+#include "filelist/row_delegate.h"
+
+#include "filelist/list_view.h"
+#include "filelist/squeezed_text.h"
+
+#include <QPainter>
+
+namespace dorn {
+
+namespace {
+
+constexpr int kMargin = 3;
+constexpr int kImageSize = 16;
+constexpr int kImageGap = 4;
+
+}  // namespace
+
+RowDelegate::RowDelegate(ListView* view) : QStyledItemDelegate(view) {}
+
+void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                        const QModelIndex& index) const {
+    const bool selected = option.state.testFlag(QStyle::State_Selected);
+    const bool active = option.state.testFlag(QStyle::State_Active);
+    const QPalette::ColorGroup group = active ? QPalette::Active : QPalette::Inactive;
+    if (selected) painter->fillRect(option.rect, option.palette.brush(group, QPalette::Highlight));
+    QRect area = option.rect.adjusted(kMargin, 0, -kMargin, 0);
+    const QIcon icon = index.data(Qt::DecorationRole).value<QIcon>();
+    if (!icon.isNull()) {
+        const QRect place(area.left(), area.center().y() - kImageSize / 2 + 1, kImageSize,
+                          kImageSize);
+        if (area.width() >= kImageSize)
+            icon.paint(painter, place, Qt::AlignCenter,
+                       selected && active ? QIcon::Selected : QIcon::Normal);
+        area.adjust(kImageSize + kImageGap, 0, 0, 0);
+    }
+    painter->setFont(option.font);
+    painter->setPen(
+        option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
+    const auto alignment = index.data(Qt::TextAlignmentRole).value<Qt::Alignment>();
+    draw_squeezed_text(painter, area, alignment, index.data(Qt::DisplayRole).toString());
+}
+
+QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {
+    return {60, qMax(option.fontMetrics.height() + 2, kImageSize + 2)};
+}
+
+int RowDelegate::natural_width(const ListView& view, const QModelIndex& index) {
+    const int text = view.fontMetrics().horizontalAdvance(index.data(Qt::DisplayRole).toString());
+    const int image = index.column() == 0 ? kImageSize + kImageGap : 0;
+    return text + image + 2 * kMargin + 1;
+}
+
+}  // namespace dorn
