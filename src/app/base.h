@@ -1,10 +1,10 @@
 // The main window: set-up in two phases, metrics, closing. Event-loop thread only.
 #pragma once
 
-#include <string>
-
 #include "config/config.h"
 #include "ui/widget.h"
+
+#include <string>
 
 namespace dorn {
 

@@ -1,5 +1,5 @@
-// Everything before the main window opens: start path, configuration directory and record, file-name
-// translation, input histories.
+// Everything before the main window opens: start path, configuration directory and record,
+// file-name translation, input histories.
 #pragma once
 
 #include <string>

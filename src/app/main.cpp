@@ -1,3 +1,5 @@
-int main() {
-    return 0;
+#include "app/run.h"
+
+int main(int argc, char** argv) {
+    return dorn::dorn_run(argc, argv);
 }

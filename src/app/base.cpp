@@ -1,0 +1,89 @@
+// The main window's set-up: its panes wired together in a fixed order.
+#include "app/base.h"
+
+#include "config/history.h"
+#include "dirmodel/dir_entry.h"
+#include "filelist/columns.h"
+#include "filelist/filelist.h"
+#include "filelist/list_view.h"
+#include "hotlist/hotlist_tree.h"
+#include "menus/menus.h"
+#include "menus/path_bar.h"
+#include "ui/actions.h"
+#include "ui/combo.h"
+#include "ui/dialogs.h"
+#include "ui/qt_widget.h"
+
+#include <QComboBox>
+
+namespace dorn {
+
+std::string gStartPath;
+int base_window_closed = 0;
+
+namespace {
+
+const char* config_directory() {
+    return gConfigPath == nullptr ? nullptr : gConfigPath->c_str();
+}
+
+void set_minimum_size(const char* instance, int width, int height) {
+    if (QWidget* panel = qt(w_instance(instance)); panel != nullptr)
+        panel->setMinimumSize(width, height);
+}
+
+void hotlist_changed() {
+    tb_update();
+}
+
+void before_realised() {
+    cl_apply(gSpecList.get(), w_instance("tb_filespec"));
+    if (auto* filter = qt_instance<QComboBox>("tb_filespec"); filter != nullptr)
+        filter->setEditText(QStringLiteral("*"));
+    fl_setspec("*");
+    set_minimum_size("hotlist_panel", 96, 100);
+    set_minimum_size("filelist_panel", 120, 100);
+    tree_setup();
+    tree_set_notify_cb(hotlist_changed);
+    tree_set_menu_cb(menus_open_hotlist_menu);
+    tree_load(config_directory(), "hotlist.001");
+    cl_apply(gPathList.get(), w_instance("tb_curpath"));
+    path_bar_setup();
+    fl_setup();
+    fl_set_menu_cb(menus_open_list_menu);
+    fl_set_notify_cb(base_update);
+    base_set_divider_metrics(gConfig);
+    menus_setup();
+    init_actions();
+    init_kb_defaults();
+    init_link();
+}
+
+}  // namespace
+
+int base_setup(Widget*, int phase) {
+    if (phase == 1)
+        before_realised();
+    else
+        fl_setpath(gStartPath.c_str());
+    show_sort_method(w_instance("fh_filename"));
+    return 0;
+}
+
+int base_opening() {
+    base_set_window_metrics(gConfig);
+    return 0;
+}
+
+void base_update() {
+    status_bar_update();
+    tb_curpath_set_text(gDir->path.c_str());
+    tb_update();
+    misc_give_focus(w_instance("filelist"));
+}
+
+void init_link() {
+    ac_link_widget(w_instance("filelist"), "filelist");
+}
+
+}  // namespace dorn

@@ -1,0 +1,122 @@
+#include "app/run.h"
+
+#include "app/base.h"
+#include "app/base_window.h"
+#include "app/init.h"
+#include "platform/signals.h"
+#include "platform/usage.h"
+#include "ui/qt_widget.h"
+
+#include <QApplication>
+#include <QMainWindow>
+#include <QSocketNotifier>
+#include <QStyle>
+#include <QTimer>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+namespace dorn {
+
+namespace {
+
+const char* program_name(const char* path) {
+    const char* slash = std::strrchr(path, '/');
+    return slash == nullptr ? path : slash + 1;
+}
+
+// 0 to go on, else the exit status plus one.
+int show_help(const WindowOptions& options, const std::string& error, const char* program) {
+    if (!options.help) return 0;
+    if (!error.empty()) std::fprintf(stderr, "%s: %s\n", program, error.c_str());
+    std::fputs(usage_text(program).c_str(), error.empty() ? stdout : stderr);
+    return error.empty() ? 1 : 2;
+}
+
+void choose_server(const std::string& server) {
+    if (server.empty()) return;
+    const bool wayland = server.rfind("wayland", 0) == 0;
+    setenv(wayland ? "WAYLAND_DISPLAY" : "DISPLAY", server.c_str(), 1);
+}
+
+void look_after_style() {
+    // The numbers in our texts have a decimal point whatever the locale.
+    std::setlocale(LC_NUMERIC, "C");
+    if (QApplication::style()->name() == QLatin1String("windows"))
+        QApplication::setStyle(QStringLiteral("fusion"));
+}
+
+void apply_options(QMainWindow* base, const WindowOptions& options) {
+    base->resize(options.width.value_or(base->width()), options.height.value_or(base->height()));
+    if (options.x || options.y)
+        base->move(options.x.value_or(base->x()), options.y.value_or(base->y()));
+}
+
+void show_window(QMainWindow* base, const WindowOptions& options) {
+    switch (options.state) {
+        case WindowOptions::State::Iconified:
+            base->showMinimized();
+            break;
+        case WindowOptions::State::Maximized:
+            base->showMaximized();
+            break;
+        case WindowOptions::State::Normal:
+            base->show();
+            break;
+    }
+}
+
+void take_signals() {
+    bool refresh = false;
+    bool terminate = false;
+    for (int number = signals_take(); number != 0; number = signals_take())
+        (number == SIGWINCH ? refresh : terminate) = true;
+    if (terminate)
+        signal_terminate();
+    else if (refresh)
+        signal_refresh();
+}
+
+void tell_when_idle(QObject* context, void (*ready)()) {
+    // Two turns of the loop: the first paints what the set-up left to paint.
+    QTimer::singleShot(0, context, [context, ready] { QTimer::singleShot(0, context, ready); });
+}
+
+}  // namespace
+
+int dorn_run(int argc, char** argv, void (*ready)()) {
+    std::string error;
+    const WindowOptions options = usage_parse(argc, argv, &error);
+    if (const int status = show_help(options, error, program_name(argv[0])); status != 0)
+        return status - 1;
+    choose_server(options.server);
+    ui_setup_icon_theme();
+    int qt_argc = 1;  // no option of the toolkit's own may take one of ours
+    QApplication application(qt_argc, argv);
+    QApplication::setApplicationName(QStringLiteral("dorn"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("dorn"));
+    look_after_style();
+
+    init(argc, argv);
+    std::unique_ptr<QSocketNotifier> notifier;
+    if (const int signals = signals_install(); signals != -1) {
+        notifier = std::make_unique<QSocketNotifier>(signals, QSocketNotifier::Read);
+        QObject::connect(notifier.get(), &QSocketNotifier::activated, take_signals);
+    }
+
+    const std::unique_ptr<QMainWindow> base(base_make());
+    base_setup(handle(base.get()), 1);
+    base_opening();
+    apply_options(base.get(), options);
+    show_window(base.get(), options);
+    QTimer::singleShot(0, base.get(), [&base, ready] {
+        base_setup(handle(base.get()), 2);
+        if (ready != nullptr) tell_when_idle(base.get(), ready);
+    });
+    return QApplication::exec();
+}
+
+}  // namespace dorn
