@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace dorn {
@@ -34,16 +35,29 @@ struct DirEntry : FileStatus {
     uint32_t link_room;  // bytes allocated, terminator included; at most kLinkSize + 1
     ListRow* row;        // the entry's row, valid until the rows are rebuilt; not owned
 };
+static_assert(sizeof(DirEntry) <= 360, "a million entries are to fit in memory beside their rows");
 
-/// Where DirEntry records come from: allocated zeroed, many at a time; they live as long as this.
+/// Puts at most kLinkSize bytes of `text` into the record's link_text and sets kEntryLink;
+/// link_text may stay null when there is no memory.
+void entry_set_link(DirEntry* entry, std::string_view text);
+
+/// Where DirEntry records come from: allocated zeroed, many at a time, a few at first; they live as
+/// long as this. The process ends with status 1 when there is no memory.
 class EntrySlabs {
   public:
     /// A zeroed record.
     DirEntry* take();
 
+    /// Takes back the record that was given out last; it is given out again, zeroed.
+    void put_back(DirEntry* last);
+
   private:
-    std::vector<std::unique_ptr<DirEntry[]>> slabs_;
-    std::size_t used_ = 0;  // records given out of the last slab
+    struct Free {
+        void operator()(DirEntry* slab) const;
+    };
+    std::vector<std::unique_ptr<DirEntry[], Free>> slabs_;
+    std::size_t size_ = 0;  // records in the last slab
+    std::size_t used_ = 0;  // records given out of it
 };
 
 /// The shown directory. Slots 0 .. count-1 of `entries` are shown, in display order; the next
@@ -60,7 +74,7 @@ struct DirCache {
     int32_t capacity = 0;
     int32_t current = -1;  // -1: the ".." row; -2: none
     int32_t spare = 0;
-    int32_t read_error = 0;  // errno of the last dir_read that failed, else 0
+    int32_t read_error = 0;  // errno of the last dir_read that failed or broke off, else 0
     EntrySlabs slabs;
 
     DirCache() = default;

@@ -14,7 +14,9 @@
 namespace dorn {
 
 /// Fills `cache` from its path and sorts it (see dir_sort). 0, or -1 when the directory can't be
-/// entered or opened, with the reason in cache->read_error and count 0.
+/// entered or opened, with the reason in cache->read_error and count 0. A directory that fails
+/// later keeps the entries read so far: the result is 0, with the reason in cache->read_error.
+/// While one read runs another one is refused (-1, nothing changed).
 int dir_read(DirCache* cache, DirCompare sort_a, int sort_b);
 
 /// Makes a dir_read under way end soon with what it has (the program is closing).
