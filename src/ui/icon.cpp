@@ -21,7 +21,8 @@ namespace {
 
 constexpr QLatin1String kThemeName("dorn");
 constexpr QByteArrayView kTextColor("currentColor");
-constexpr qreal kDisabledOpacity = 0.4;
+constexpr QRgb kOpaque = 0xFF000000;
+constexpr qreal kDisabledOpacity = 0.45;
 // Few sizes and colours are alive at a time; more than these are left over from former palettes.
 constexpr std::size_t kMostDrawings = 24;
 
@@ -85,21 +86,25 @@ QRgb text_color(QIcon::Mode mode) {
     }
 }
 
+// Thins out the picture as a whole: shapes that lie on each other stay one.
+void fade(QPainter& painter, const QSize& size, qreal opacity) {
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.fillRect(QRect(QPoint(0, 0), size), QColor::fromRgbF(0, 0, 0, float(opacity)));
+}
+
 QPixmap draw(const Picture& picture, const Look& look) {
     QByteArray svg = picture.svg;
-    // A palette's disabled colour may be translucent, which the colour's name does not tell.
     const QColor color = QColor::fromRgba(look.color);
     svg.replace(kTextColor, color.name(QColor::HexRgb).toLatin1());
     QSvgRenderer renderer(svg);
+    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
     QPixmap pixmap(look.size);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
-    if (look.faded)
-        painter.setOpacity(kDisabledOpacity);
-    else if (!picture.has_colors)
-        painter.setOpacity(color.alphaF());
-    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
     renderer.render(&painter, QRectF(QPointF(0, 0), QSizeF(look.size)));
+    // A palette's disabled colour may be translucent, which the colour's name does not tell.
+    const qreal opacity = look.faded ? kDisabledOpacity : color.alphaF();
+    if (opacity < 1) fade(painter, look.size, opacity);
     painter.end();
     pixmap.setDevicePixelRatio(look.ratio);
     return pixmap;
@@ -123,7 +128,7 @@ class PictureEngine : public QIconEngine {
 
     QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal ratio) override {
         if (size.isEmpty() || isNull()) return {};
-        Look look{size, ratio, 0, false};
+        Look look{size, ratio, kOpaque, false};
         if (picture_->follows_text) look.color = text_color(mode);
         look.faded = mode == QIcon::Disabled && picture_->has_colors;
         return drawing_of(*picture_, look);
