@@ -28,12 +28,14 @@ struct CharsetResult {
     std::size_t written;  // bytes put into the output
 };
 
-/// Opens the set of that name (any alias). Null when no such set is known or when its bytes are
-/// not ASCII-transparent ("/" or NUL inside a character would make another path).
+/// Opens the set of that name (any alias). Null when no such set is known or when it is not
+/// ASCII-transparent: every printing ASCII character and NUL is its own byte and stands for nothing
+/// else ("/" or NUL inside a character would make another path).
 [[nodiscard]] CharsetPtr charset_open(const char* name);
 
-/// Sets the character that stands for one without equivalent, in both directions (default "?").
-/// With no replacement ('\0') a text that can't be represented is Failed.
+/// Sets the character that stands, in the UTF-8, for bytes that are no character of the set
+/// (default
+/// "?"). With no replacement ('\0') such a text is Failed.
 void charset_set_replacement(Charset& charset, char replacement);
 
 /// Converts `text` from the set into UTF-8. At most `capacity` bytes are written to `out`, whole
@@ -46,7 +48,8 @@ CharsetResult charset_to_utf8(const Charset& charset, std::string_view text, cha
 CharsetResult charset_from_utf8(const Charset& charset, std::string_view text, char* out,
                                 std::size_t capacity);
 
-/// The names of the sets that charset_open takes, in dictionary order, without duplicates.
+/// The registered names of the sets that charset_open takes, in dictionary order, without
+/// duplicates. The first call opens every set; the result is kept.
 std::vector<std::string> charset_names();
 
 /// The length in bytes of the valid UTF-8 sequence at the start of `text`; 0 when there is none.

@@ -153,7 +153,6 @@ bool Producer::ask_for_names() {
                 if (!queue_block()) return false;
                 block = worker_->block.get();
             }
-            if (shared_->hook != nullptr) shared_->hook(name);
             int error = 0;
             const FileStatus* target = ask(name, &error);
             length = stream_put_entry(block->data + filled_, name, worker_->facts, target, error);
@@ -168,6 +167,7 @@ bool Producer::ask_for_names() {
 const FileStatus* Producer::ask(const char* name, int* error) {
     EntryFacts& facts = worker_->facts;
     facts.has_link = false;
+    if (shared_->hook != nullptr) shared_->hook(name);
     facts.error = *error = ask_status(fd_, name, AT_SYMLINK_NOFOLLOW, &facts.lstat);
     if (*error != 0 || (facts.lstat.mode & kTypeMask) != kTypeLink) return nullptr;
     const ssize_t length = readlinkat(fd_, name, facts.link, sizeof facts.link);
@@ -175,6 +175,7 @@ const FileStatus* Producer::ask(const char* name, int* error) {
     facts.link_length = facts.has_link ? static_cast<uint16_t>(length) : uint16_t{0};
     // From here until the entry is finished the facts are only read.
     worker_->link_known.store(true, std::memory_order_release);
+    if (shared_->hook != nullptr) shared_->hook(name);
     *error = ask_status(fd_, name, 0, &target_);
     return *error == 0 ? &target_ : nullptr;
 }

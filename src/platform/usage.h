@@ -17,8 +17,10 @@ struct WindowOptions {
 };
 
 /// Reads the window options (option string "s:x:y:h:w:S:", "--help" beside it) from a copy of
-/// `argv`, which stays as it is. An unknown option or a value that is no number sets `help` and
-/// names the fault in `*error`; an empty `*error` with `help` means that help was asked for.
+/// `argv`, which stays as it is. They may stand before and behind the directory, up to a "--". An
+/// unknown option, one without its value, a position that is no number, a dimension that is no
+/// positive number or another state than i, m or n sets `help` and names the fault in `*error`; an
+/// empty `*error` with `help` means that help was asked for.
 WindowOptions usage_parse(int argc, const char* const* argv, std::string* error);
 
 }  // namespace dorn

@@ -1,14 +1,13 @@
 #include "platform/dirstream.h"
 
 #include "platform/file_status.h"
-#include "sandbox.h"
+#include "support/faults.h"
+#include "support/sandbox.h"
 
 #include <cerrno>
-#include <condition_variable>
 #include <cstring>
-#include <fcntl.h>
+#include <gtest/gtest.h>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
@@ -74,55 +73,24 @@ Drained drain(const std::string& path, int limit_ms = kStatusLimitMs) {
     return drained;
 }
 
-/// Holds the stream's thread in the status call of one name, like a dead mount does.
-class Hang {
-  public:
-    static void on(const std::string& name) {
-        const std::lock_guard lock(sMutex);
-        sName = name;
-        sHeld = 0;
-        dirstream_set_test_hook(&Hang::hold);
-    }
-    /// Lets the held threads go on, and waits until they have left.
-    static void release() {
-        dirstream_set_test_hook(nullptr);
-        std::unique_lock lock(sMutex);
-        sName.clear();
-        sChanged.notify_all();
-        sChanged.wait(lock, [] { return sHeld == 0; });
-    }
-    static int held() {
-        const std::lock_guard lock(sMutex);
-        return sHeld;
-    }
-
-  private:
-    static void hold(const char* name) {
-        std::unique_lock lock(sMutex);
-        if (!std::string(name).starts_with(sName) || sName.empty()) return;
-        ++sHeld;
-        sChanged.wait(lock, [] { return sName.empty(); });
-        --sHeld;
-        sChanged.notify_all();
-    }
-
-    inline static std::mutex sMutex;
-    inline static std::condition_variable sChanged;
-    inline static std::string sName;
-    inline static int sHeld = 0;
-};
-
-class DirStreamTest : public SandboxTest {
+class DirStreamTest : public testing::Test {
   protected:
+    std::string in(const std::string& name) const {
+        return sandbox_.file(name);
+    }
+    std::string root() const {
+        return sandbox_.path();
+    }
     void make(const std::string& name) const {
-        const int fd = open(in(name).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-        ASSERT_GE(fd, 0) << name;
-        close(fd);
+        sandbox_.write(name);
     }
     void make_many(int count) const {
         for (int i = 0; i < count; ++i)
-            make("file" + std::to_string(10000 + i));
+            make("file" + std::to_string(i));
     }
+
+  private:
+    Sandbox sandbox_;
 };
 
 TEST_F(DirStreamTest, EveryNameComesOnceWithTheStatusThatLstatGives) {
@@ -222,31 +190,92 @@ TEST_F(DirStreamTest, WhatCannotBeOpenedFailsWithItsReason) {
     }
 }
 
+constexpr int kShortLimit = 250;  // milliseconds; enough for a call on a busy machine
+
 TEST_F(DirStreamTest, AStatusThatHangsIsTimedOutAndTheOthersComeInOrder) {
     make_many(300);
     const std::vector<std::string> order = drain(root()).order;
     ASSERT_EQ(order.size(), 300U);
-    for (const std::size_t place : {std::size_t{0}, std::size_t{150}, std::size_t{299}}) {
-        Hang::on(order[place]);
-        const Drained drained = drain(root(), 250);
+    for (const int nth : {1, 2, 150, 300}) {
+        const Faults faults({{"statx", nth, kHang}});
+        const Drained drained = drain(root(), kShortLimit);
         EXPECT_EQ(drained.state, StreamState::End);
         EXPECT_EQ(drained.order, order);
         for (const auto& [name, seen] : drained.entries) {
-            const bool hung = name.starts_with(order[place]);
+            const bool hung = name == order[static_cast<std::size_t>(nth - 1)];
             EXPECT_EQ(seen.error, hung ? ETIMEDOUT : 0) << name;
             EXPECT_EQ(seen.lstat.has_value(), !hung) << name;
         }
-        Hang::release();
     }
 }
 
+TEST_F(DirStreamTest, ALinkWhoseTargetHangsKeepsWhatIsKnownOfTheLink) {
+    ASSERT_EQ(symlink("/dead", in("link").c_str()), 0);
+    const Faults faults({{"statx", 2, kHang}});
+    const Seen seen = drain(root(), kShortLimit).entries.at("link");
+    EXPECT_EQ(seen.error, ETIMEDOUT);
+    EXPECT_EQ(seen.link, "/dead");
+    EXPECT_TRUE(seen.lstat.has_value());
+    EXPECT_FALSE(seen.stat.has_value());
+}
+
+TEST_F(DirStreamTest, ADirectoryThatFailsOrHangsGivesWhatItGaveBefore) {
+    // More than one reading of names brings.
+    for (int i = 0; i < 1000; ++i)
+        make(std::string(200, 'x') + std::to_string(i));
+    struct Case {
+        Fault fault;
+        int error;
+        bool some;
+    };
+    const Case cases[] = {{{"getdents64", 2, EIO}, EIO, true},
+                          {{"getdents64", 2, kHang}, ETIMEDOUT, true},
+                          {{"getdents64", 1, kHang}, ETIMEDOUT, false},
+                          {{"open", 1, kHang}, ETIMEDOUT, false},
+                          {{"open", 1, EMFILE}, EMFILE, false}};
+    for (const Case& row : cases) {
+        const Faults faults({row.fault});
+        const DirStreamPtr stream = dirstream_open(root().c_str(), kShortLimit);
+        Drained drained;
+        drain(*stream, &drained);
+        EXPECT_EQ(drained.state, StreamState::Failed) << row.fault.call << row.fault.nth;
+        EXPECT_EQ(dirstream_error(*stream), row.error) << row.fault.call << row.fault.nth;
+        EXPECT_EQ(!drained.entries.empty(), row.some) << row.fault.call << row.fault.nth;
+        EXPECT_LT(drained.entries.size(), 1000U);
+    }
+}
+
+TEST_F(DirStreamTest, CallsThatAreInterruptedOrMissingDoNotShow) {
+    make_many(3);
+    for (const Fault& fault :
+         {Fault{"statx", 0, ENOSYS}, Fault{"statx", 0, EPERM}, Fault{"statx", 2, EINTR},
+          Fault{"getdents64", 1, EINTR}, Fault{"open", 1, EINTR}}) {
+        const Faults faults({fault});
+        const Drained drained = drain(root());
+        EXPECT_EQ(drained.entries.size(), 3U) << fault.call;
+        for (const auto& [name, seen] : drained.entries)
+            EXPECT_TRUE(seen.lstat) << fault.call;
+    }
+}
+
+TEST_F(DirStreamTest, ASlowDirectoryIsSeenToGrow) {
+    make_many(10);
+    const Faults faults({{"statx", 6, kHang}});
+    const DirStreamPtr stream = dirstream_open(root().c_str());
+    const RawDirEntry* entry = nullptr;
+    int taken = 0;
+    while (taken < 5)
+        if (dirstream_next(*stream, 1000, &entry) == StreamState::Entry) ++taken;
+    EXPECT_EQ(dirstream_next(*stream, 0, &entry), StreamState::Later);
+}
+
 TEST_F(DirStreamTest, AStreamThatIsClosedEarlyLeavesItsThreadNothingToBreak) {
-    make_many(2000);
-    for (int taken = 0; taken < 300; ++taken) {
+    make_many(1000);
+    for (int round = 0; round < 200; ++round) {
         const DirStreamPtr stream = dirstream_open(root().c_str());
         const RawDirEntry* entry = nullptr;
-        for (int i = 0; i < taken * 7; ++i)
-            if (dirstream_next(*stream, taken % 3, &entry) == StreamState::Later) break;
+        for (int i = 0; i < round * 7; ++i)
+            if (dirstream_next(*stream, round % 3, &entry) == StreamState::Later) break;
     }
 }
 
