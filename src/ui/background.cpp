@@ -112,11 +112,7 @@ class AsyncCalls {
 }  // namespace
 
 void ui_async(Widget* owner, std::function<void()> work, std::function<void()> done) {
-    static AsyncCalls* const calls = [] {
-        auto* made = new AsyncCalls;
-        qAddPostRoutine([] { /* timers end with the application */ });
-        return made;
-    }();
+    static AsyncCalls* const calls = new AsyncCalls;  // outlives the application object
     calls->add({qt(owner), owner != nullptr, std::move(work), std::move(done), nullptr, {}});
 }
 
@@ -128,12 +124,16 @@ class IdleTimer : public QTimer {
   public:
     IdleTimer(QObject* parent, WorkProcedure procedure, void* data) : QTimer(parent) {
         QObject::connect(this, &QTimer::timeout, this, [this, procedure, data] {
-            if (procedure(data) == WorkResult::Done) {
-                stop();
-                deleteLater();
-            }
+            const QPointer<IdleTimer> alive(this);  // the procedure may take its widget down
+            if (procedure(data) == WorkResult::Done && alive) end();
         });
         start(0);
+    }
+
+    // Never called again from here on; gone when no call of it is under way.
+    void end() {
+        stop();
+        deleteLater();
     }
 };
 
@@ -157,7 +157,7 @@ int wproc_attach(Widget* widget, WorkProcedure procedure, void* data) {
 void wproc_detach(Widget* widget) {
     const int id = qt(widget)->property(kWorkProperty).toInt();
     if (id == 0) return;
-    delete idle_timers().value(id).data();
+    if (IdleTimer* timer = idle_timers().value(id)) timer->end();
     qt(widget)->setProperty(kWorkProperty, 0);
 }
 

@@ -1,5 +1,6 @@
 #include "ui/dialogs.h"
 
+#include "platform/charset.h"
 #include "ui/qt_widget.h"
 
 #include <QAbstractButton>
@@ -12,12 +13,13 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
+#include <string_view>
 
 namespace dorn {
 
 namespace {
 
-[[gnu::format(printf, 1, 0)]] std::string format_text(const char* format, va_list arguments) {
+std::string format_text(const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, again);
@@ -30,14 +32,25 @@ namespace {
 
 constexpr std::size_t kReportSize = 256;
 
+// Takes an incomplete UTF-8 character off the end of a message that was cut.
+void end_between_characters(std::array<char, kReportSize>* message) {
+    std::size_t start = kReportSize - 1;
+    do {
+        --start;
+    } while (start > 0 && ((*message)[start] & 0xC0) == 0x80);
+    const std::string_view last(message->data() + start, kReportSize - 1 - start);
+    if ((last[0] & 0xC0) == 0xC0 && utf8_sequence_length(last) == 0) (*message)[start] = '\0';
+}
+
 }  // namespace
 
 int wreport(Widget* parent, const char* title, const char* format, ...) {
     std::array<char, kReportSize> message;
     va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(message.data(), message.size(), format, arguments);
+    const int length = std::vsnprintf(message.data(), message.size(), format, arguments);
     va_end(arguments);
+    if (length >= static_cast<int>(kReportSize)) end_between_characters(&message);
     return ui_alert(parent, title, message.data(), "@#&Continue");
 }
 

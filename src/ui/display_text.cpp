@@ -30,7 +30,7 @@ QString ui_text(const char* text) {
 }
 
 QString ui_label_text(const char* text) {
-    return ui_text(text).replace(u'&', QStringLiteral("&&"));
+    return ui_text(text).replace(u'&', QStringLiteral("&&")).replace(u'\n', QChar(u'\u240A'));
 }
 
 QFont ui_font(const char* name) {

@@ -48,7 +48,7 @@ QIcon ui_icon(const char* own_name, const char* theme_name = nullptr);
 /// `text` as it can be shown: control characters and direction overrides made visible, invalid
 /// UTF-8 replaced. For display only, never the way back to a file.
 QString ui_text(const char* text);
-/// The same with every "&" doubled, for menus and buttons.
+/// The same with every "&" doubled and on one line, for menus and buttons.
 QString ui_label_text(const char* text);
 
 }  // namespace dorn

@@ -1,0 +1,75 @@
+#include "ui/combo.h"
+#include "ui/qt_widget.h"
+
+#include <QApplication>
+#include <QComboBox>
+
+#include <gtest/gtest.h>
+
+namespace dorn {
+namespace {
+
+TEST(DisplayText, WhatCouldMisleadIsMadeVisible) {
+    struct Row {
+        const char *bytes, *shown;
+    };
+    for (const Row& row : std::vector<Row>{{"plain \xC3\xBC", "plain \xC3\xBC"},
+                                           {"a\tb",
+                                            "a\xE2\x90\x89"
+                                            "b"},
+                                           {"a\x1B[1m", "a\xE2\x90\x9B[1m"},
+                                           {"a\x7F", "a\xE2\x90\xA1"},
+                                           {"\xFF", "\xEF\xBF\xBD"},
+                                           {"exe\xE2\x80\xAEtxt", "exe\xEF\xBF\xBDtxt"},
+                                           {"a\xC2\x85", "a\xEF\xBF\xBD"},
+                                           {"two\nlines", "two\nlines"},
+                                           {"<b>&amp;</b>", "<b>&amp;</b>"}})
+        EXPECT_EQ(ui_text(row.bytes), QString::fromUtf8(row.shown));
+    EXPECT_EQ(ui_label_text("a & b\nc"), QString::fromUtf8("a && b\xE2\x90\x8A"
+                                                           "c"));
+}
+
+TEST(Fonts, NamesOfTheRecordBecomeFonts) {
+    const QFont desktop = QApplication::font();
+    struct Row {
+        const char* name;
+        const char* family;
+        int points;
+        bool bold, italic;
+    };
+    for (const Row& row : std::vector<Row>{{"DejaVu Sans10", "DejaVu Sans", 10, false, false},
+                                           {"DejaVu Sans10b", "DejaVu Sans", 10, true, false},
+                                           {"DejaVu Serif12i", "DejaVu Serif", 12, false, true},
+                                           {"helv14bi", "helv", 14, true, true}}) {
+        const QFont font = ui_font(row.name);
+        EXPECT_EQ(font.family(), QLatin1String(row.family)) << row.name;
+        EXPECT_EQ(font.pointSize(), row.points) << row.name;
+        EXPECT_EQ(font.bold(), row.bold) << row.name;
+        EXPECT_EQ(font.italic(), row.italic) << row.name;
+    }
+    for (const char* none : {"", "12", "Serif", "bi", "Sans999999999999", "TextFont08", "\xFF"})
+        EXPECT_EQ(ui_font(none), desktop) << none;
+    EXPECT_EQ(ui_font("TextFont12b").pointSize(), 12);
+}
+
+TEST(ComboHistory, IsRefilledOnlyWhenItChangedAndLeavesTheField) {
+    QComboBox combo;
+    combo.setEditable(true);
+    HistoryList list;
+    list.slots = {"new", "old"};
+    list.count = 2;
+    list.flags = kHistoryChanged;
+    combo.setEditText(QStringLiteral("typed"));
+    EXPECT_EQ(cl_apply(&list, handle(&combo)), 1);
+    EXPECT_EQ(cl_apply(&list, handle(&combo)), 0);
+    ASSERT_EQ(combo.count(), 2);
+    EXPECT_EQ(combo.itemText(0), QStringLiteral("new"));
+    EXPECT_EQ(combo.currentText(), QStringLiteral("typed"));
+    cl_text_select(handle(&combo), 2);  // the last item can't be selected
+    EXPECT_EQ(combo.currentText(), QStringLiteral("typed"));
+    cl_text_select(handle(&combo), 1);
+    EXPECT_EQ(combo.currentText(), QStringLiteral("new"));
+}
+
+}  // namespace
+}  // namespace dorn
