@@ -53,6 +53,7 @@ void before_realised() {
     fl_set_menu_cb(menus_open_list_menu);
     fl_set_notify_cb(base_update);
     base_set_divider_metrics(gConfig);
+    menus_register("fm_exit", fm_exit);
     menus_setup();
     init_actions();
     init_kb_defaults();

@@ -1,0 +1,45 @@
+// The Edit menu's selection commands and its set-up, and Refresh of the File menu.
+#include "filelist/filelist.h"
+#include "filelist/selection.h"
+#include "menus/commands.h"
+#include "ui/dialogs.h"
+
+namespace dorn {
+
+namespace {
+
+int selection_changed() {
+    status_bar_update();
+    misc_give_focus(w_instance("filelist"));
+    return 0;
+}
+
+}  // namespace
+
+int fm_refresh() {
+    return fl_refresh();
+}
+
+int em_select_all() {
+    fl_select_all();
+    return selection_changed();
+}
+
+int em_unselect_all() {
+    fl_unselect_all();
+    return selection_changed();
+}
+
+int em_invert_selection() {
+    fl_invert_all();
+    return selection_changed();
+}
+
+void em_setup(MenuStates& states) {
+    if (gDir != nullptr && gDir->n_selected > 0) return;
+    for (const char* name : {"em_cut", "em_copy", "em_delete", "em_rename", "em_unselect",
+                             "em_unselect_all", "em_unselect_pattern"})
+        states.disable(name);
+}
+
+}  // namespace dorn

@@ -1,0 +1,104 @@
+#include "menus/menus.h"
+
+#include "hotlist/hotlist_tree.h"
+#include "menus/accelerators.h"
+#include "menus/commands.h"
+#include "menus/list_menu.h"
+#include "menus/menu_build.h"
+#include "menus/toolbar.h"
+#include "menus/view_toggles.h"
+#include "ui/qt_widget.h"
+
+#include <QMainWindow>
+#include <QMenuBar>
+
+#include <array>
+
+namespace dorn {
+
+namespace {
+
+struct OwnCommand {
+    const char* name;
+    MenuCommand command;
+};
+
+constexpr auto kOwnCommands = std::to_array<OwnCommand>({
+    {"fm_refresh", fm_refresh},
+    {"em_select_all", em_select_all},
+    {"em_unselect_all", em_unselect_all},
+    {"em_invert", em_invert_selection},
+    {"gm_back", gm_back},
+    {"gm_forward", gm_forward},
+    {"gm_up", gm_up},
+    {"gm_home", gm_home},
+    {"hm_add", hm_add},
+    {"hm_remove", hm_remove},
+    {"hcm_add", tree_add_cb},
+    {"hcm_delete", tree_delete_cb},
+    {"help_quickref", help_quickref},
+});
+
+void register_own_commands() {
+    for (const OwnCommand& own : kOwnCommands)
+        menus_register(own.name, own.command);
+    menus_register_generator("hm_populate", hm_populate);
+    view_toggles_register();
+}
+
+// The menu of that instance name that pops up by itself, made when first asked for.
+QMenu* popup_menu(const char* name) {
+    QWidget* base = qt(w_instance("base"));
+    if (base == nullptr) return nullptr;
+    if (auto* menu = base->findChild<QMenu*>(QLatin1String(name), Qt::FindDirectChildrenOnly))
+        return menu;
+    auto* menu = new QMenu(base);
+    menu->setObjectName(QLatin1String(name));
+    return menu;
+}
+
+void open_at(QMenu* menu, int x, int y) {
+    if (!menu->isEmpty()) menu->popup(QPoint(x, y));
+}
+
+void open_table_at(const Menu& table, int x, int y) {
+    QMenu* menu = popup_menu(table.name);
+    if (menu == nullptr) return;
+    menu_build(menu, table);
+    open_at(menu, x, y);
+}
+
+}  // namespace
+
+void menus_setup() {
+    register_own_commands();
+    auto* bar = qt_instance<QMenuBar>("menu_bar");
+    for (const Menu& table : menu_bar_tables()) {
+        for (const MenuItem& item : table.items) {
+            if (item.kind == MenuKind::Command && menu_item_present(item))
+                accelerator_install(item);
+        }
+        QMenu* menu = bar->addMenu(QString::fromUtf8(table.title));
+        menu->setObjectName(QLatin1String(table.name));
+        QObject::connect(menu, &QMenu::aboutToShow, [menu, &table] { menu_build(menu, table); });
+    }
+    toolbar_setup();
+    view_layout_setup();
+}
+
+void menus_open_list_menu(int x, int y) {
+    QMenu* menu = popup_menu("list_context_menu");
+    if (menu == nullptr) return;
+    lcm_setup(menu);
+    open_at(menu, x, y);
+}
+
+void menus_open_hotlist_menu(int x, int y) {
+    open_table_at(hotlist_context_table(), x, y);
+}
+
+void menus_open_view_menu(int x, int y) {
+    open_table_at(view_menu_table(), x, y);
+}
+
+}  // namespace dorn

@@ -1,0 +1,14 @@
+// The toolbar's buttons: their pictures, tool tips and commands. See path_bar.h for tb_update.
+// Event-loop thread only.
+#pragma once
+
+namespace dorn {
+
+/// Gives every button its picture, its tool tip with the command's key, and its command; the menu
+/// button on the toolbar area opens the View menu; a toolbar without buttons is hidden.
+void toolbar_setup();
+
+/// The directory behind Home: $HOME, null when it is unset or empty.
+const char* home_directory();
+
+}  // namespace dorn
