@@ -55,9 +55,9 @@ struct Drained {
     std::vector<std::string> order;
 };
 
-void drain(DirStream& stream, Drained* out) {
+void drain(DirStream& stream, Drained* out, int wait_ms = 16) {
     const RawDirEntry* entry = nullptr;
-    while ((out->state = dirstream_next(stream, 16, &entry)) <= StreamState::Later) {
+    while ((out->state = dirstream_next(stream, wait_ms, &entry)) <= StreamState::Later) {
         if (out->state == StreamState::Later) continue;
         const std::string name(reinterpret_cast<const char*>(entry) + kRawNameOffset);
         EXPECT_EQ(name.size(), entry->namelen);
@@ -207,6 +207,22 @@ TEST_F(DirStreamTest, AStatusThatHangsIsTimedOutAndTheOthersComeInOrder) {
             EXPECT_EQ(seen.lstat.has_value(), !hung) << name;
         }
     }
+}
+
+TEST_F(DirStreamTest, NoNameIsLostOrComesTwiceWhenCallsEndJustAsTheyAreGivenUp) {
+    make_many(400);
+    const std::vector<std::string> order = drain(root()).order;
+    dirstream_set_test_hook([](const char* name) {
+        if (name[std::strlen(name) - 1] == '0') usleep(2000);
+    });
+    const DirStreamPtr stream = dirstream_open(root().c_str(), 2);
+    Drained drained;
+    drain(*stream, &drained, 1);
+    dirstream_set_test_hook(nullptr);
+    EXPECT_EQ(drained.state, StreamState::End);
+    EXPECT_EQ(drained.order, order);
+    for (const auto& [name, seen] : drained.entries)
+        EXPECT_TRUE(seen.error == ETIMEDOUT || seen.lstat.has_value()) << name;
 }
 
 TEST_F(DirStreamTest, ALinkWhoseTargetHangsKeepsWhatIsKnownOfTheLink) {
