@@ -1,7 +1,6 @@
 #include "platform/charset.h"
 
 #include <algorithm>
-#include <cstring>
 #include <mutex>
 #include <strings.h>
 #include <unicode/ucnv.h>
@@ -166,7 +165,7 @@ CharsetResult charset_to_utf8(const Charset& charset, std::string_view text, cha
     const bool cut = written < utf8.size();
     while (cut && written > 0 && is_continuation(utf8[written]))
         --written;
-    std::memcpy(out, utf8.data(), written);
+    std::copy_n(utf8.data(), written, out);
     const bool whole = charset.replaced == 0 && !cut;
     return {whole ? CharsetStatus::Ok : CharsetStatus::Replaced, written};
 }
@@ -197,8 +196,8 @@ CharsetResult charset_from_utf8(const Charset& charset, std::string_view text, c
 
 std::vector<std::string> charset_names() {
     // Each set has to be opened to be judged; once is enough.
-    static const std::vector<std::string> sNames = find_names();
-    return sNames;
+    static const std::vector<std::string> names = find_names();
+    return names;
 }
 
 std::size_t utf8_sequence_length(std::string_view text) {
