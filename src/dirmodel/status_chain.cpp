@@ -116,6 +116,8 @@ int stat_optimize(const RawDirEntry* dirent, FileStatus* entry) {
 }
 
 void entry_fill(DirEntry* entry, const RawDirEntry& raw, int directory) {
+    // The name will be cut, so the attributes must not pass for those of what the cut name means.
+    if (raw.namelen >= kNameSize) return fill_unreadable(entry, ENAMETOOLONG);
     const bool carried = lstat_optimize(&raw, entry) == 0;
     if (!carried) {
         int error = raw.error;

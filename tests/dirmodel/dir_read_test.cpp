@@ -1,0 +1,316 @@
+#include "dirmodel/dir_read.h"
+
+#include "config/config.h"
+#include "support/headless_screen.h"
+#include "support/sandbox.h"
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <set>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace dorn {
+namespace {
+
+using Names = std::vector<std::string>;
+
+// Directory streams call a plain function, so what it does is a global.
+std::atomic<bool> sHeldBack{false};
+
+void hold_back(const char* name) {
+    while (sHeldBack && std::strcmp(name, "slow") == 0)
+        std::this_thread::yield();
+}
+
+void remove_entry(const char* name) {
+    if (std::strcmp(name, "vanishing") == 0) unlink(name);
+}
+
+class DirRead : public testing::Test {
+  protected:
+    DirRead() {
+        headless::reset();
+        gConfig = &config_;
+        cache_.path = sandbox_.path();
+        cache_.filespec = "*";
+    }
+    ~DirRead() override {
+        sHeldBack = false;
+        dirstream_set_test_hook(nullptr);
+        gStatusLimitMs = kStatusLimitMs;
+        headless::reset();
+        gConfig = nullptr;
+        std::filesystem::current_path("/");
+    }
+
+    Names read(DirCompare compare = dir_cmp_name) {
+        EXPECT_EQ(dir_read(&cache_, compare, 1), 0);
+        return names();
+    }
+
+    Names names() const {
+        Names list;
+        for (int32_t i = 0; i < cache_.count; ++i)
+            list.emplace_back(cache_.entries[i]->name);
+        return list;
+    }
+
+    const DirEntry& entry(const std::string& name) const {
+        for (int32_t i = 0; i < cache_.count; ++i) {
+            if (name == cache_.entries[i]->name) return *cache_.entries[i];
+        }
+        ADD_FAILURE() << "no entry " << name;
+        static const DirEntry sNone{};
+        return sNone;
+    }
+
+    void make_files(int first, int last) const {
+        for (int n = first; n <= last; ++n)
+            sandbox_.write(std::to_string(n));
+    }
+
+    // Every record stands in the array once, and the slots behind them are empty.
+    void expect_sound_array() const {
+        std::set<const DirEntry*> records;
+        for (int32_t i = 0; i < cache_.capacity; ++i) {
+            const bool used = i < cache_.count + cache_.spare;
+            EXPECT_EQ(cache_.entries[i] != nullptr, used) << i;
+            EXPECT_EQ(used, records.insert(cache_.entries[i]).second && used) << i;
+        }
+    }
+
+    Sandbox sandbox_;
+    Config config_{};
+    DirCache cache_;
+};
+
+TEST_F(DirRead, EmptyDirectoryHasNoEntries) {
+    cache_.current = 5;
+    EXPECT_EQ(read(), Names{});
+    EXPECT_EQ(cache_.current, -1);
+    EXPECT_EQ(headless::texts("status1"), Names{"Reading Directory"});
+    EXPECT_EQ(headless::texts("status2"), Names{"0 read"});
+}
+
+TEST_F(DirRead, EntriesAreCountedAndSummed) {
+    sandbox_.write("a", "12345");
+    sandbox_.write("b", "123");
+    sandbox_.mkdir("d");
+    struct stat folder {};
+    ASSERT_EQ(stat(sandbox_.file("d").c_str(), &folder), 0);
+    cache_.n_selected = 3;
+    EXPECT_EQ(read(), (Names{"a", "b", "d"}));
+    EXPECT_EQ(cache_.n_dirs, 1);
+    EXPECT_EQ(cache_.n_selected, 0);
+    EXPECT_EQ(cache_.total_size, 8 + folder.st_size);
+    EXPECT_EQ(entry("d").ino, folder.st_ino);
+    EXPECT_EQ(headless::texts("status2"), Names{"3 read"});
+    EXPECT_EQ(std::filesystem::current_path(), std::filesystem::canonical(sandbox_.path()));
+}
+
+TEST_F(DirRead, DotFilesAndTheFilterLeaveEntriesOut) {
+    for (const char* name : {".profile", "...", "a.c", "b.h", "c.txt"})
+        sandbox_.write(name);
+    sandbox_.mkdir("d");
+    sandbox_.mkdir(".e");
+    sandbox_.link("d", "link");
+    sandbox_.link("a.c", "other");
+    EXPECT_EQ(read().size(), 9U);
+    config_.flags = kHideDotFiles;
+    EXPECT_EQ(read(), (Names{"a.c", "b.h", "c.txt", "d", "link", "other"}));
+    cache_.filespec = "^*.C|*.H";
+    EXPECT_EQ(read(), (Names{"a.c", "b.h", "d", "link"}));
+    EXPECT_EQ(cache_.n_dirs, 2);
+    EXPECT_EQ(headless::texts("status2").back(), "4 read");
+    expect_sound_array();
+}
+
+TEST_F(DirRead, LinksShowTheirTargetsAndWhatTheyLeadTo) {
+    sandbox_.mkdir("d");
+    sandbox_.write("f", "12345");
+    sandbox_.link("d", "to-folder");
+    sandbox_.link("f", "to-file");
+    sandbox_.link("nowhere", "dangling");
+    sandbox_.link("loop", "loop");
+    read();
+    EXPECT_EQ(entry("to-folder").flags, kEntryLink);
+    EXPECT_TRUE(is_directory(entry("to-folder")));
+    EXPECT_STREQ(entry("to-folder").link_text, "d");
+    EXPECT_EQ(entry("to-file").size, 5);
+    for (const char* name : {"dangling", "loop"}) {
+        EXPECT_EQ(entry(name).flags, kEntryLink | kEntryBroken);
+        EXPECT_EQ(entry(name).mode & kTypeMask, kTypeLink);
+    }
+    EXPECT_STREQ(entry("dangling").link_text, "nowhere");
+}
+
+TEST_F(DirRead, AnyNameGoesThrough) {
+    const Names hostile = {
+        "new\nline",
+        "tab\tbed",
+        "'\"`$(x)",
+        "-rf",
+        "%s%n",
+        " ",
+        "\xFF\xFE",
+        "\x01",
+        "right\xE2\x80\xAEleft",
+        std::string(255, 'n'),
+    };
+    for (const std::string& name : hostile)
+        sandbox_.write(name);
+    sandbox_.link(std::string(1200, 't'), "long target");
+    const Names found = read();
+    EXPECT_EQ(found.size(), hostile.size() + 1);
+    for (const std::string& name : hostile)
+        EXPECT_EQ(entry(name).flags, 0U) << name;
+    EXPECT_EQ(std::strlen(entry("long target").link_text), 1024U);
+}
+
+TEST_F(DirRead, ReReadingReusesTheRecords) {
+    make_files(1, 10);
+    read();
+    EXPECT_EQ(cache_.capacity, 128);
+    const std::set<DirEntry*> first(cache_.entries, cache_.entries + 10);
+    cache_.entries[3]->flags |= kEntrySelected;
+    make_files(11, 300);
+    EXPECT_EQ(read().size(), 300U);
+    EXPECT_EQ(cache_.capacity, 384);
+    EXPECT_EQ(cache_.spare, 0);
+    int reused = 0;
+    for (int32_t i = 0; i < cache_.count; ++i) {
+        reused += static_cast<int>(first.count(cache_.entries[i]));
+        EXPECT_EQ(cache_.entries[i]->flags, 0U);
+    }
+    EXPECT_EQ(reused, 10);
+    expect_sound_array();
+
+    cache_.filespec = "1*";
+    EXPECT_EQ(read().size(), 111U);
+    EXPECT_EQ(cache_.spare, 189);
+    expect_sound_array();
+}
+
+TEST_F(DirRead, RecordOfAnEntryLeftOutIsNotLost) {
+    // The kept ones fill the array, so the record left over at the end has no slot in it.
+    make_files(100, 227);
+    for (int n = 0; n < 200; ++n)
+        sandbox_.link("nowhere", "x" + std::to_string(n));
+    cache_.filespec = "[0-9]*";
+    EXPECT_EQ(read().size(), 128U);
+    EXPECT_EQ(cache_.capacity, 128);
+    expect_sound_array();
+    for (const char* filter : {"none", "*"}) {
+        cache_.filespec = filter;
+        read();
+        expect_sound_array();
+    }
+    EXPECT_EQ(cache_.count, 328);
+    EXPECT_EQ(cache_.spare, 0);
+}
+
+TEST_F(DirRead, DirectoryThatCannotBeEnteredTellsWhy) {
+    sandbox_.write("file");
+    read();
+    struct Row {
+        std::string path;
+        int error;
+    };
+    const Row rows[] = {{"", ENOENT},
+                        {sandbox_.file("missing"), ENOENT},
+                        {sandbox_.file("file"), ENOTDIR},
+                        {sandbox_.file(std::string(300, 'n')), ENAMETOOLONG}};
+    for (const Row& row : rows) {
+        cache_.path = row.path;
+        EXPECT_EQ(dir_read(&cache_, dir_cmp_name, 1), -1) << row.path;
+        EXPECT_EQ(cache_.read_error, row.error) << row.path;
+        EXPECT_EQ(cache_.count, 0);
+        EXPECT_EQ(cache_.spare, 1);
+    }
+    cache_.path = sandbox_.path();
+    EXPECT_EQ(read(), Names{"file"});
+    EXPECT_EQ(cache_.read_error, 0);
+}
+
+TEST_F(DirRead, EntryThatVanishesBeforeItsStatusIsShownAsUnreadable) {
+    make_files(1, 3);
+    sandbox_.write("vanishing");
+    std::filesystem::current_path(sandbox_.path());
+    dirstream_set_test_hook(remove_entry);
+    EXPECT_EQ(read().size(), 4U);
+    EXPECT_EQ(entry("vanishing").flags, kEntryLink | kEntryBroken);
+    EXPECT_STREQ(entry("vanishing").link_text, "(unable to read info)");
+    EXPECT_EQ(entry("vanishing").uid, -1);
+}
+
+TEST_F(DirRead, EventLoopIsServedAndTheCounterMovesWhileTheDirectoryIsSlow) {
+    make_files(1, 20);
+    sandbox_.write("slow");
+    sHeldBack = true;
+    dirstream_set_test_hook(hold_back);
+    int served = 0;
+    headless::on_background([&] {
+        EXPECT_EQ(dir_read(&cache_, dir_cmp_name, 1), -1) << "one read at a time";
+        x_print_progress(nullptr, &cache_);
+        if (++served == 5) sHeldBack = false;
+    });
+    EXPECT_EQ(read().size(), 21U);
+    EXPECT_GE(served, 5);
+    EXPECT_EQ(entry("slow").flags, 0U);
+    const Names shown = headless::texts("status2");
+    EXPECT_EQ(shown.back(), "21 read");
+    EXPECT_GT(std::set<std::string>(shown.begin(), shown.end()).size(), 1U);
+}
+
+TEST_F(DirRead, EntryThatDoesNotAnswerIsShownAsTimedOut) {
+    make_files(1, 20);
+    sandbox_.write("slow");
+    gStatusLimitMs = 50;
+    sHeldBack = true;
+    dirstream_set_test_hook(hold_back);
+    EXPECT_EQ(read().size(), 21U);
+    EXPECT_EQ(entry("slow").flags, kEntryLink | kEntryBroken);
+    EXPECT_STREQ(entry("slow").link_text, "(unable to read - timeout)");
+}
+
+TEST_F(DirRead, StoppedReadEndsWithWhatItHas) {
+    make_files(1, 20);
+    sandbox_.write("slow");
+    sHeldBack = true;
+    dirstream_set_test_hook(hold_back);
+    headless::on_background(dir_read_stop);
+    EXPECT_LT(read().size(), 21U);
+    sHeldBack = false;
+    headless::on_background(nullptr);
+    EXPECT_EQ(read().size(), 21U);
+}
+
+TEST_F(DirRead, DirectoryThatChangesWhileItIsReadGivesEachNameOnce) {
+    make_files(1, 1000);
+    std::atomic<bool> done{false};
+    std::thread changer([&] {
+        for (int n = 1001; !done; ++n) {
+            sandbox_.write(std::to_string(n));
+            unlink(sandbox_.file(std::to_string(n - 1000)).c_str());
+        }
+    });
+    for (int round = 0; round < 5; ++round) {
+        const Names found = read();
+        EXPECT_EQ(std::set<std::string>(found.begin(), found.end()).size(), found.size());
+        expect_sound_array();
+    }
+    done = true;
+    changer.join();
+    std::filesystem::remove_all(sandbox_.path());
+    EXPECT_EQ(dir_read(&cache_, dir_cmp_name, 1), -1);
+    EXPECT_EQ(cache_.read_error, ENOENT);
+}
+
+}  // namespace
+}  // namespace dorn

@@ -1,0 +1,168 @@
+#include "dirmodel/dir_sort.h"
+
+#include "config/config.h"
+
+#include <cstring>
+#include <deque>
+#include <gtest/gtest.h>
+
+namespace dorn {
+namespace {
+
+using Names = std::vector<std::string>;
+
+class DirSort : public testing::Test {
+  protected:
+    DirSort() {
+        gConfig = &config_;
+    }
+    ~DirSort() override {
+        gConfig = nullptr;
+        cache_.count = 0;
+        cache_.entries = nullptr;
+    }
+
+    DirEntry& add(const char* name) {
+        DirEntry& entry = entries_.emplace_back();
+        std::strcpy(entry.name, name);
+        entry.mode = 0100644;
+        pointers_.push_back(&entry);
+        cache_.entries = pointers_.data();
+        cache_.count = static_cast<int32_t>(pointers_.size());
+        return entry;
+    }
+
+    Names sorted(DirCompare compare, int ascending = 1) {
+        dir_sort(&cache_, compare, ascending);
+        Names names;
+        for (const DirEntry* entry : pointers_)
+            names.emplace_back(entry->name);
+        return names;
+    }
+
+    Config config_{};
+    std::deque<DirEntry> entries_;
+    std::vector<DirEntry*> pointers_;
+    DirCache cache_;
+};
+
+int sign(int32_t value) {
+    return (value > 0) - (value < 0);
+}
+
+TEST_F(DirSort, NamesOfDigitsCompareByValueAndOthersByBytes) {
+    struct Row {
+        const char *a, *b;
+        int order;
+    };
+    const Row rows[] = {
+        {"9", "10", -1},
+        {"a9", "a10", 1},
+        {"10", "A", -1},
+        {"b", "A", 1},
+        {"007", "7", 0},
+        {"", "0", 0},
+        {"", "a", -1},
+        {"10", "1a", -1},
+        {"99999999999999999999", "100000000000000000000", -1},
+        {"4294967296", "1", 1},
+        {"\xFF", "a", 1},
+    };
+    for (const Row& row : rows) {
+        const DirEntry& a = add(row.a);
+        const DirEntry& b = add(row.b);
+        EXPECT_EQ(sign(dir_cmp_name(&a, &b)), row.order) << row.a << " and " << row.b;
+        EXPECT_EQ(sign(dir_cmp_name(&b, &a)), -row.order) << row.b << " and " << row.a;
+    }
+}
+
+TEST_F(DirSort, ComparatorsAnswerAsTheyAreDefined) {
+    DirEntry& a = add("a");
+    DirEntry& b = add("b");
+    a.size = 5;
+    b.size = 7;
+    EXPECT_EQ(dir_cmp_size(&a, &b), 1);
+    EXPECT_EQ(dir_cmp_size(&b, &a), 0);
+    a.mtime = 0xFFFFFFF0;
+    b.mtime = 0x10;
+    EXPECT_EQ(dir_cmp_date(&a, &b), -0x20);
+    a.mode = 0120777;
+    b.mode = 040755;
+    EXPECT_EQ(dir_cmp_permissions(&a, &b), 0120777 - 040755);
+    EXPECT_EQ(dir_cmp_dir(&a, &b), 1);
+    char target_a[] = "x";
+    char target_b[] = "y";
+    a.link_text = target_a;
+    b.link_text = target_b;
+    EXPECT_EQ(dir_cmp_link(&a, &b), 0);
+    a.flags = b.flags = kEntryLink;
+    EXPECT_EQ(sign(dir_cmp_link(&a, &b)), -1);
+    b.link_text = nullptr;
+    EXPECT_EQ(sign(dir_cmp_link(&a, &b)), 1);
+}
+
+TEST_F(DirSort, FoldersStayFirstInBothDirections) {
+    for (const char* name : {"10", "9", "b", "A"})
+        add(name);
+    add("z").mode = 040755;
+    add("d").mode = 040755;
+    EXPECT_EQ(sorted(nullptr), (Names{"10", "9", "b", "A", "z", "d"}));
+    EXPECT_EQ(sorted(dir_cmp_name), (Names{"9", "10", "A", "b", "d", "z"}));
+    EXPECT_EQ(sorted(dir_cmp_name, 0), (Names{"z", "d", "b", "A", "10", "9"}));
+    config_.dirs_first = 1;
+    EXPECT_EQ(sorted(dir_cmp_name), (Names{"d", "z", "9", "10", "A", "b"}));
+    EXPECT_EQ(sorted(dir_cmp_name, 0), (Names{"z", "d", "b", "A", "10", "9"}));
+}
+
+TEST_F(DirSort, EqualEntriesAreOrderedByName) {
+    add("c").mtime = 3;
+    add("a").mtime = 3;
+    add("b").mtime = 2;
+    EXPECT_EQ(sorted(dir_cmp_date), (Names{"b", "a", "c"}));
+    EXPECT_EQ(sorted(dir_cmp_date, 0), (Names{"c", "a", "b"}));
+}
+
+TEST_F(DirSort, DifferenceOfHalfTheRangeSurvivesTheTurn) {
+    add("a").mtime = 0x80000000;
+    add("b").mtime = 0;
+    EXPECT_EQ(sorted(dir_cmp_date, 0).size(), 2U);
+}
+
+TEST_F(DirSort, EachIdIsAskedOfTheSystemOnceASort) {
+    constexpr int kIds = 300;
+    constexpr int32_t kFirstId = 700000000;
+    for (int n = 0; n < 3000; ++n) {
+        DirEntry& entry = add(std::to_string(n).c_str());
+        entry.uid = kFirstId + n % kIds;
+        entry.gid = kFirstId + n % kIds;
+    }
+    for (const DirCompare compare : {dir_cmp_user, dir_cmp_group}) {
+        const uint64_t before = dir_name_lookups();
+        const Names names = sorted(compare);
+        EXPECT_EQ(dir_name_lookups() - before, uint64_t{kIds});
+        EXPECT_EQ(names[0], "0");
+        EXPECT_EQ(names[1], "300");
+        EXPECT_EQ(names[10], "1");
+    }
+}
+
+TEST_F(DirSort, OwnerNamesComeFromTheRingWhileTheyAreAmongTheLast) {
+    char name[kIdNameSize];
+    EXPECT_EQ(dir_get_username(0, name), 0);
+    EXPECT_STREQ(name, "root");
+    EXPECT_EQ(dir_get_username(0, name), 4);
+    EXPECT_EQ(dir_get_username(4000000001, name), 10);
+    EXPECT_STREQ(name, "4000000001");
+    for (uint32_t id = 0; id < 254; ++id)
+        dir_get_username(800000000 + id, name);
+    uint64_t before = dir_name_lookups();
+    EXPECT_EQ(dir_get_username(0, name), 4) << "the oldest of 256";
+    EXPECT_EQ(dir_name_lookups(), before);
+    dir_get_username(800000254, name);
+    before = dir_name_lookups();
+    EXPECT_EQ(dir_get_username(0, name), 0);
+    EXPECT_EQ(dir_name_lookups(), before + 1);
+}
+
+}  // namespace
+}  // namespace dorn

@@ -1,0 +1,132 @@
+#include "dirmodel/entry_text.h"
+
+#include <cstdint>
+#include <cstring>
+#include <ctime>
+#include <iomanip>
+#include <sstream>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace dorn {
+namespace {
+
+std::string permissions(uint32_t mode) {
+    std::string text(11, '.');
+    int at = 0;
+    for (int part = 0; part <= 5; ++part) {
+        dir_get_permissions(mode, text.data() + at, part);
+        at += part == 0 ? 1 : 3;
+        if (part == 4) break;
+    }
+    return text;
+}
+
+TEST(EntryText, PermissionsComeInPieces) {
+    struct Row {
+        uint32_t mode;
+        const char* text;
+    };
+    const Row rows[] = {
+        {0755, "-rwxr-xr-x-"},   {0000, "-----------"},   {07777, "-rwsrwsrwts"},
+        {07000, "---S--S--ts"},  {040750, "brwxr-x----"}, {0100644, "lrw-r--r---"},
+        {020600, "brw--------"}, {010600, "prw--------"},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(permissions(row.mode), row.text) << std::oct << row.mode;
+    char untouched = '.';
+    dir_get_permissions(07777, &untouched, 5);
+    EXPECT_EQ(untouched, '.');
+}
+
+TEST(EntryText, SizesHaveTheirUnits) {
+    struct Row {
+        int64_t size;
+        const char* text;
+    };
+    const Row rows[] = {
+        {0, "0 bytes"},         {1023, "1023 bytes"}, {1024, "1.0KB"},
+        {1048575, "1024.0KB"},  {1048576, "1.0MB"},   {int64_t{5} << 32, "20480.0MB"},
+        {-1, "-1 bytes"},       {1536, "1.5KB"},      {INT64_MAX, "8796093022208.0MB"},
+        {INT64_MIN, "0 bytes"},
+    };
+    for (const Row& row : rows)
+        EXPECT_STREQ(ll2str(row.size), row.text);
+}
+
+TEST(EntryText, TotalsPrintTheWholeRemainder) {
+    struct Row {
+        int32_t bytes;
+        const char* text;
+    };
+    const Row rows[] = {
+        {1023, "1023 byte_count"},     {1024, "1.0KB"},       {1536, "1.512KB"},
+        {1023999, "999.1023KB"},       {1024000, "1.0MB"},    {1536000, "1.512000MB"},
+        {1023999999, "999.1023999MB"}, {1024000000, "1.0GB"}, {-5, "-5 byte_count"},
+        {INT32_MAX, "2.99483647GB"},
+    };
+    for (const Row& row : rows) {
+        char text[32];
+        const int length = es_generate_byte_string(text, row.bytes);
+        EXPECT_EQ(length, static_cast<int>(std::strlen(row.text)));
+        EXPECT_STREQ(text, row.text);
+    }
+}
+
+TEST(EntryText, DigitsAreGroupedByThree) {
+    EXPECT_STREQ(cvt2c(0), "0");
+    EXPECT_STREQ(cvt2c(999), "999");
+    EXPECT_STREQ(cvt2c(1000), "1,000");
+    EXPECT_STREQ(cvt2c(1234567), "1,234,567");
+    EXPECT_STREQ(cvt2c(UINT64_MAX), "18,446,744,073,709,551,615");
+}
+
+std::string time_text(int64_t time, int style) {
+    char text[100] = "before";
+    const int length = es_generate_time_string(text, time, style);
+    EXPECT_EQ(length, static_cast<int>(std::strlen(text)));
+    return text;
+}
+
+std::string formatted(std::time_t time, const char* format) {
+    std::ostringstream text;
+    text << std::put_time(std::localtime(&time), format);
+    return text.str();
+}
+
+TEST(EntryText, AgesAreCountedInTheUnitThatFits) {
+    constexpr int64_t kHour = 3600;
+    constexpr int64_t kDay = 24 * kHour;
+    struct Row {
+        int64_t elapsed;  // each far enough from a border for a slow run
+        const char* text;
+    };
+    const Row rows[] = {
+        {150, " 2 minutes"},       {119 * 60, " 119 minutes"}, {121 * 60, " 2 hours"},
+        {47 * kHour, " 47 hours"}, {49 * kHour, " 2 days"},    {3 * kDay, " 3 days"},
+        {59 * kDay, " 59 days"},   {61 * kDay, " 2 months"},   {355 * kDay, " 11 months"},
+    };
+    const int64_t now = std::time(nullptr);
+    for (const Row& row : rows)
+        EXPECT_EQ(time_text(now - row.elapsed, 0), row.text);
+    EXPECT_EQ(time_text(now - 400 * kDay, 0), formatted(now - 400 * kDay, " %m/%d/%Y"));
+    EXPECT_EQ(time_text(now - 90, 0).substr(0, 2), " 9");
+    EXPECT_EQ(time_text(now + 3600, 0).substr(0, 6), " 42949") << "a time to come";
+}
+
+TEST(EntryText, DatesNameTheDayWhereItIsNear) {
+    constexpr int64_t kDay = 86400;
+    const int64_t now = std::time(nullptr);
+    EXPECT_EQ(time_text(now - 7 * kDay, 1), formatted(now - 7 * kDay, " %m/%d/%Y"));
+    EXPECT_EQ(time_text(now - 3 * kDay, 1), formatted(now - 3 * kDay, " %I:%M %p %A"));
+    EXPECT_EQ(time_text(now - kDay, 1), formatted(now - kDay, " %I:%M %p yesterday"));
+    // 2.5 hours are 25 steps of 360 seconds: more than 23 whatever the hour.
+    EXPECT_EQ(time_text(now - 9000, 1), formatted(now - 9000, " %I:%M %p yesterday"));
+    EXPECT_EQ(time_text(now + 5, 1), formatted(now + 5, " %I:%M %p today"));
+    EXPECT_EQ(time_text(86400, 2), formatted(86400, " %m/%d/%Y %I:%M %p"));
+    EXPECT_EQ(time_text(now, 3), "before");
+    EXPECT_EQ(time_text(INT64_MAX, 2), "") << "no such year";
+}
+
+}  // namespace
+}  // namespace dorn
