@@ -1,7 +1,7 @@
 #include "platform/usage.h"
 
+#include <algorithm>
 #include <charconv>
-#include <cstring>
 #include <getopt.h>
 #include <string_view>
 #include <vector>
@@ -92,10 +92,9 @@ WindowOptions usage_parse(int argc, const char* const* argv, std::string* error)
     error->clear();
     WindowOptions options;
     std::vector<std::string> texts(argv, argv + argc);
-    std::vector<char*> copy;
-    for (std::string& text : texts)
-        copy.push_back(text.data());
-    copy.push_back(nullptr);
+    std::vector<char*> copy(texts.size() + 1, nullptr);
+    std::transform(texts.begin(), texts.end(), copy.begin(),
+                   [](auto& text) { return text.data(); });
 
     optind = 0;  // begins a scan of its own, whatever was scanned before
     int found = 0;

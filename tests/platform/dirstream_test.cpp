@@ -120,8 +120,7 @@ TEST_F(DirStreamTest, NamesOfAnyBytesAreDeliveredAsTheyAre) {
                                             "...",
                                             "..x",
                                             ".hidden",
-                                            "\xe2\x80\xae"
-                                            "gpj",
+                                            "\u202egpj",
                                             " "};
     for (const std::string& name : names)
         make(name);
@@ -158,9 +157,9 @@ TEST_F(DirStreamTest, LinksComeWithTheirTargetAndItsStatusWhereThereIsOne) {
 TEST_F(DirStreamTest, AnEntryThatVanishesBeforeItsStatusIsDeliveredWithTheError) {
     make("here");
     make("gone");
-    static std::string sGone;
-    sGone = in("gone");
-    dirstream_set_test_hook([](const char*) { unlink(sGone.c_str()); });
+    static std::string gone;
+    gone = in("gone");
+    dirstream_set_test_hook([](const char*) { unlink(gone.c_str()); });
     const Drained drained = drain(root());
     dirstream_set_test_hook(nullptr);
     EXPECT_EQ(drained.state, StreamState::End);

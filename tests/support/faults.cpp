@@ -73,7 +73,7 @@ int Faults::calls(const std::string& call) const {
 }  // namespace dorn
 
 // The linker sends each call of `name` to __wrap_name, and __real_name to the system's.
-// NOLINTBEGIN(bugprone-reserved-identifier)
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 #define DORN_WRAP(result, name, parameters, arguments) \
     result __real_##name parameters;                   \
     result __wrap_##name parameters {                  \
@@ -129,4 +129,4 @@ ssize_t __wrap_read(int fd, void* data, size_t length) {
     return __real_read(fd, data, error == dorn::kShort ? length / 2 : length);
 }
 }
-// NOLINTEND(bugprone-reserved-identifier)
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
