@@ -1,11 +1,11 @@
 // The main function of every test binary that needs a screen: Qt's offscreen platform, our own
 // pictures, and a HOME of its own, so that nothing of the user's is touched.
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QIcon>
 #include <QTemporaryDir>
+
 #include <cstdlib>
+#include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);

@@ -1,0 +1,166 @@
+#include "filelist/navigation.h"
+
+#include "filelist/filelist.h"
+#include "filelist/pane.h"
+#include "support_gui/window_test.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
+
+#include <cstdlib>
+#include <vector>
+
+namespace dorn {
+namespace {
+
+// Answers the next alert and keeps what it said.
+class AlertAnswer {
+  public:
+    AlertAnswer() {
+        timer_.callOnTimeout([this] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (box == nullptr) return;
+            messages_.push_back(box->windowTitle().toStdString() + ": " +
+                                box->text().toStdString());
+            box->reject();
+        });
+        timer_.start(1);
+    }
+    const std::vector<std::string>& messages() const {
+        return messages_;
+    }
+
+  private:
+    QTimer timer_;
+    std::vector<std::string> messages_;
+};
+
+class Navigation : public WindowTest {
+  protected:
+    std::string in_sandbox(const std::string& name) const {
+        return std::string(sandbox_.path()) + "/" + name;
+    }
+    int go(const std::string& path) const {
+        return fl_newpath(nullptr, path.c_str());
+    }
+};
+
+TEST_F(Navigation, UpSelectsTheDirectoryJustLeft) {
+    sandbox_.mkdir("a");
+    sandbox_.mkdir("b");
+    ASSERT_EQ(go(in_sandbox("b")), 0);
+    fl_up();
+    EXPECT_EQ(gDir->path, sandbox_.path());
+    EXPECT_EQ(selected(), "b");
+    EXPECT_EQ(gDir->current, index_of("b"));
+    EXPECT_EQ(text_of("status1").substr(0, 15), "1 selected item");
+}
+
+TEST_F(Navigation, UpInTheRootDoesNothing) {
+    ASSERT_EQ(go("/"), 0);
+    const int steps = fl_get_back_count();
+    fl_up();
+    EXPECT_EQ(gDir->path, "/");
+    EXPECT_EQ(fl_get_back_count(), steps);
+    EXPECT_NE(row_name(0), "..");
+}
+
+TEST_F(Navigation, HistoryKeepsTenStepsEachWay) {
+    for (int i = 0; i < 12; ++i)
+        sandbox_.mkdir(std::to_string(i));
+    for (int i = 0; i < 12; ++i)
+        ASSERT_EQ(go(in_sandbox(std::to_string(i))), 0);
+    EXPECT_EQ(fl_get_back_count(), 10);
+    for (int i = 0; i < 10; ++i)
+        fl_back();
+    EXPECT_EQ(gDir->path, in_sandbox("1"));
+    EXPECT_EQ(fl_get_back_count(), 0);
+    EXPECT_EQ(fl_get_forward_count(), 10);
+    fl_forward();
+    EXPECT_EQ(gDir->path, in_sandbox("2"));
+    ASSERT_EQ(go(in_sandbox("7")), 0);
+    EXPECT_EQ(fl_get_forward_count(), 0);
+}
+
+TEST_F(Navigation, ForwardWithNowhereToGoRecordsTheDirectoryOnce) {
+    const int steps = fl_get_back_count();
+    fl_forward();
+    fl_forward();
+    EXPECT_EQ(fl_get_back_count(), std::min(steps + 1, 10));
+    EXPECT_EQ(gDir->path, sandbox_.path());
+}
+
+TEST_F(Navigation, RefusedMovesSayWhyAndChangeNothing) {
+    sandbox_.write("file");
+    const AlertAnswer alerts;
+    const std::string before = gDir->path;
+    const int steps = fl_get_back_count();
+    EXPECT_EQ(go(in_sandbox("missing")), -1);
+    EXPECT_EQ(go(in_sandbox("file")), -1);
+    EXPECT_EQ(go(before), -1);
+    EXPECT_EQ(go(before + "//"), -1);
+    EXPECT_EQ(gDir->path, before);
+    EXPECT_EQ(fl_get_back_count(), steps);
+    ASSERT_EQ(alerts.messages().size(), 2u);
+    EXPECT_EQ(alerts.messages()[0], "Error: Directory '" + in_sandbox("missing") + "', not found");
+    EXPECT_EQ(alerts.messages()[1], "Error: Path '" + in_sandbox("file") + "' not found");
+}
+
+TEST_F(Navigation, VanishedHistoryEntryIsConsumed) {
+    sandbox_.mkdir("gone");
+    sandbox_.mkdir("here");
+    ASSERT_EQ(go(in_sandbox("gone")), 0);
+    ASSERT_EQ(go(in_sandbox("here")), 0);
+    rmdir(in_sandbox("gone").c_str());
+    const AlertAnswer alerts;
+    fl_back();
+    EXPECT_EQ(alerts.messages().size(), 1u);
+    EXPECT_EQ(gDir->path, in_sandbox("here"));
+    fl_back();
+    EXPECT_EQ(gDir->path, sandbox_.path());
+}
+
+TEST_F(Navigation, EveryRoadEntersADirectoryOfAnyName) {
+    const std::vector<std::string> names = {"plain",     "a b",
+                                            "-rf",       "new\nline",
+                                            "tab\there", "\"q\"'",
+                                            "\xff\xfe",  "\xe2\x80\xaetfel",
+                                            "[a]*?",     std::string(255, 'x')};
+    for (const std::string& name : names)
+        sandbox_.mkdir(name);
+    show_sandbox();
+    for (const std::string& name : names) {
+        click(name, Qt::NoModifier, true);
+        EXPECT_EQ(gDir->path, in_sandbox(name));
+        press(Qt::Key_Home);
+        press(Qt::Key_Return);  // ".." is the current row
+        EXPECT_EQ(gDir->path, sandbox_.path()) << name;
+        EXPECT_NE(gDir->current, -2) << name;
+    }
+}
+
+TEST_F(Navigation, EnterTakesTheSelectedDirectoryWhicheverEntryIsCurrent) {
+    sandbox_.mkdir("one");
+    sandbox_.mkdir("two");
+    sandbox_.write("zfile");
+    show_sandbox();
+    std::vector<int32_t> opened;
+    static std::vector<int32_t>* sOpened;
+    sOpened = &opened;
+    fl_set_opener([](int32_t index) { sOpened->push_back(index); });
+    click("one");
+    click("zfile", Qt::ControlModifier);
+    press(Qt::Key_Return);
+    fl_set_opener(nullptr);
+    EXPECT_EQ(opened, std::vector<int32_t>{2});
+    EXPECT_EQ(gDir->path, in_sandbox("one"));
+    fl_up();
+    click("one");
+    click("two", Qt::ControlModifier);
+    press(Qt::Key_Return);
+    EXPECT_EQ(gDir->path, sandbox_.path());
+}
+
+}  // namespace
+}  // namespace dorn

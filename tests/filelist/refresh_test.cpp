@@ -1,0 +1,188 @@
+#include "dirmodel/dir_read.h"
+#include "filelist/filelist.h"
+#include "filelist/list_view.h"
+#include "filelist/navigation.h"
+#include "filelist/pane.h"
+#include "filelist/selection.h"
+#include "platform/dirstream.h"
+#include "support_gui/window_test.h"
+#include "ui/dialogs.h"
+
+#include <QApplication>
+#include <QScrollBar>
+#include <QTest>
+
+#include <thread>
+
+namespace dorn {
+namespace {
+
+class Refresh : public WindowTest {
+  protected:
+    void TearDown() override {
+        dirstream_set_test_hook(nullptr);
+        WindowTest::TearDown();
+    }
+    void make_files(int count) const {
+        for (int i = 0; i < count; ++i)
+            sandbox_.write("f" + std::to_string(1000 + i));
+    }
+};
+
+TEST_F(Refresh, EveryKindOfEntryHasItsPicture) {
+    sandbox_.mkdir("dir");
+    sandbox_.write("file");
+    sandbox_.write("exec");
+    chmod(sandbox_.file("exec").c_str(), 0755);
+    sandbox_.link("dir", "ldir");
+    sandbox_.link("file", "lfile");
+    sandbox_.link("exec", "lexec");
+    sandbox_.link("nowhere", "broken");
+    sandbox_.link("loop", "loop");
+    show_sandbox();
+    const std::pair<const char*, RowImage> expected[] = {
+        {"dir", kImageClosedFolder},  {"file", kImageFile},        {"exec", kImageExec},
+        {"ldir", kImageLinkedFolder}, {"lfile", kImageLinkedFile}, {"lexec", kImageLinkedExec},
+        {"broken", kImageBrokenLink}, {"loop", kImageBrokenLink}};
+    for (const auto& [name, image] : expected)
+        EXPECT_EQ(gDir->entries[index_of(name)]->row->image, image) << name;
+    EXPECT_EQ(row_name(0), "..");
+    EXPECT_EQ(gPane.rows[0].image, kImageParent);
+    EXPECT_EQ(fl_column_text(index_of("broken"), 7), "nowhere");
+
+    fl_set_cut_cb(
+        [](const char* directory, const char* name) {
+            return gDir->path == directory && std::string(name).find("dir") != std::string::npos;
+        },
+        nullptr);
+    fl_update();
+    fl_set_cut_cb(nullptr, nullptr);
+    EXPECT_EQ(gDir->entries[index_of("ldir")]->row->image, kImageDirCut);
+    EXPECT_EQ(gDir->entries[index_of("file")]->row->image, kImageFile);
+}
+
+TEST_F(Refresh, StatusLineCountsItems) {
+    EXPECT_EQ(text_of("status2"), "0 item, 0 bytes");
+    sandbox_.write("a", "123");
+    fl_refresh();
+    EXPECT_EQ(text_of("status2"), "1 item, 3 bytes");
+    sandbox_.write("b", std::string(2000, 'x'));
+    fl_refresh();
+    EXPECT_EQ(text_of("status2"), "2 items, 2.0KB");
+    EXPECT_EQ(text_of("status1"), "");
+}
+
+TEST_F(Refresh, RereadingKeepsPlaceAndFirstSelectedEntry) {
+    make_files(200);
+    fl_refresh();
+    click("f1100");
+    click("f1105", Qt::ControlModifier);
+    gPane.view->set_first_visible_row(95);
+    sandbox_.write("f1100a");
+    fl_refresh();
+    EXPECT_EQ(gPane.view->first_visible_row(), 95);
+    EXPECT_EQ(gDir->current, index_of("f1100"));
+    EXPECT_EQ(gDir->n_selected, 0);
+    fl_newpath(nullptr, "/");
+    fl_back();
+    EXPECT_EQ(gPane.view->first_visible_row(), 0);
+    EXPECT_EQ(gDir->current, -1);
+}
+
+TEST_F(Refresh, AVanishedDirectoryShowsEmptyWithTheReason) {
+    sandbox_.mkdir("gone");
+    const std::string path = sandbox_.file("gone");
+    ASSERT_EQ(fl_newpath(nullptr, path.c_str()), 0);
+    rmdir(path.c_str());
+    fl_refresh();
+    EXPECT_EQ(gDir->count, 0);
+    EXPECT_EQ(text_of("status1"),
+              "Cannot access directory '" + path + "': No such file or directory");
+    fl_up();
+    EXPECT_EQ(gDir->path, sandbox_.path());
+}
+
+TEST_F(Refresh, AStormOfRequestsDuringAReadLeavesOneCorrectList) {
+    make_files(300);
+    static int sDepth = 0;
+    static int sDeepest = 0;
+    static int sReads = 0;
+    sReads = 0;
+    // Each status call takes a moment, so that requests come while the directory is read.
+    dirstream_set_test_hook(
+        [](const char*) { std::this_thread::sleep_for(std::chrono::microseconds(300)); });
+    fl_set_notify_cb([] { ++sReads; });
+    QTimer storm;
+    int requests = 0;
+    storm.callOnTimeout([&] {
+        sDeepest = std::max(sDeepest, ++sDepth);
+        if (++requests <= 200) fl_refresh();
+        --sDepth;
+    });
+    storm.start(0);
+    fl_refresh();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return requests > 200 && !fl_is_reading(); }, 60000));
+    storm.stop();
+    QTest::qWaitFor([] { return !fl_is_reading(); });
+    EXPECT_EQ(sDeepest, 1);
+    EXPECT_LE(sReads, 210);
+    EXPECT_EQ(gDir->count, 300);
+    EXPECT_EQ(gPane.model->rowCount(), 301);
+}
+
+TEST_F(Refresh, TheWindowIsBlockedButAliveDuringALongRead) {
+    make_files(60);
+    dirstream_set_test_hook(
+        [](const char*) { std::this_thread::sleep_for(std::chrono::milliseconds(20)); });
+    bool blocked = false;
+    bool moved = false;
+    int turns = 0;
+    std::string first;
+    QTimer looker;
+    looker.callOnTimeout([&] {
+        if (!fl_is_reading()) return;
+        ++turns;
+        blocked = ui_is_blocked(w_instance("base"));
+        type("f1001");  // input is swallowed
+        const std::string progress = text_of("status2");
+        if (progress.find(" read") == std::string::npos) return;
+        if (first.empty()) first = progress;
+        moved = moved || progress != first;
+    });
+    looker.start(5);
+    fl_refresh();
+    EXPECT_TRUE(blocked);
+    EXPECT_TRUE(moved) << first;
+    EXPECT_GT(turns, 20);
+    EXPECT_FALSE(ui_is_blocked(w_instance("base")));
+    EXPECT_EQ(selected(), "");
+    EXPECT_EQ(gDir->count, 60);
+}
+
+TEST_F(Refresh, AnEntryThatDoesNotAnswerIsShownAndTheRestGoesOn) {
+    make_files(5);
+    gStatusLimitMs = 100;
+    dirstream_set_test_hook([](const char* name) {
+        if (std::string(name) == "f1002") std::this_thread::sleep_for(std::chrono::seconds(1));
+    });
+    fl_refresh();
+    gStatusLimitMs = kStatusLimitMs;
+    ASSERT_EQ(gDir->count, 5);
+    EXPECT_EQ(fl_column_text(index_of("f1002"), 7), "(unable to read - timeout)");
+    EXPECT_EQ(gDir->entries[index_of("f1002")]->row->image, kImageFile);
+    EXPECT_EQ(fl_column_text(index_of("f1003"), 7), "");
+}
+
+TEST_F(Refresh, TheFilterHidesFilesAndKeepsDirectories) {
+    sandbox_.write("a.c");
+    sandbox_.write("a.h");
+    sandbox_.mkdir("dir");
+    EXPECT_EQ(fl_setspec("*.c"), 0);
+    EXPECT_EQ(gDir->count, 2);
+    EXPECT_EQ(fl_setspec("*.c"), -1);
+    EXPECT_EQ(fl_setspec(""), 0);
+    EXPECT_EQ(gDir->count, 3);
+}
+
+}  // namespace
+}  // namespace dorn

@@ -1,0 +1,198 @@
+#include "filelist/selection.h"
+
+#include "filelist/columns.h"
+#include "filelist/filelist.h"
+#include "filelist/list_view.h"
+#include "filelist/navigation.h"
+#include "filelist/pane.h"
+#include "filelist/typeahead.h"
+#include "support_gui/window_test.h"
+#include "ui/qt_widget.h"
+
+#include <QTest>
+
+namespace dorn {
+namespace {
+
+class Selection : public WindowTest {
+  protected:
+    void SetUp() override {
+        for (const char* name : {"ab.c", "abc", "b.h", "c.c"})
+            sandbox_.write(name, "12345");
+        sandbox_.mkdir("d");
+        WindowTest::SetUp();
+    }
+};
+
+TEST_F(Selection, CountsFollowEveryOperation) {
+    struct Step {
+        const char* what;
+        void (*act)();
+        const char* selected;
+        int dirs;
+    };
+    const Step steps[] = {
+        {"all", fl_select_all, "ab.c abc b.h c.c d", 1},
+        {"invert all", fl_invert_all, "", 0},
+        {"pattern", [] { fl_select("*.c|b*", 0); }, "ab.c b.h c.c", 0},
+        {"invert", fl_invert_all, "abc d", 1},
+        {"unselect pattern", [] { fl_unselect("d", kFindExact); }, "abc", 0},
+        {"skip directories", [] { fl_select("*", kFindSkipDirectories); }, "ab.c abc b.h c.c", 0},
+        {"out of range", [] { fl_select_index(99), fl_unselect_index(-1); }, "ab.c abc b.h c.c", 0},
+        {"none", fl_unselect_all, "", 0},
+    };
+    for (const Step& step : steps) {
+        step.act();
+        EXPECT_EQ(selected(), step.selected) << step.what;
+        EXPECT_EQ(gDir->n_selected_dirs, step.dirs) << step.what;
+    }
+    fl_select("*.c", 0);
+    EXPECT_EQ(gDir->n_selected, 2);
+    EXPECT_EQ(text_of("status1"), "2 selected items, 10 bytes");
+}
+
+TEST_F(Selection, MouseSelectsTogglesAndExtends) {
+    click("abc");
+    EXPECT_EQ(selected(), "abc");
+    click("c.c", Qt::ControlModifier);
+    EXPECT_EQ(selected(), "abc c.c");
+    click("abc", Qt::ControlModifier);
+    EXPECT_EQ(selected(), "c.c");
+    click("ab.c");
+    click("b.h", Qt::ShiftModifier);
+    EXPECT_EQ(selected(), "ab.c abc b.h");
+    click("c.c", Qt::ShiftModifier);
+    EXPECT_EQ(selected(), "ab.c abc b.h c.c");
+    click("abc");
+    EXPECT_EQ(selected(), "abc") << "a click on a selected row narrows the selection";
+    EXPECT_EQ(gDir->current, index_of("abc"));
+    click("..");
+    EXPECT_EQ(selected(), "");
+    EXPECT_EQ(gDir->current, -1);
+}
+
+TEST_F(Selection, SweepingSelectsARange) {
+    auto at = [](const char* name) {
+        const int row = fl_row_of(index_of(name));
+        return QPoint(30, gPane.view->visualRect(gPane.view->model()->index(row, 0)).center().y());
+    };
+    QWidget* list = gPane.view->viewport();
+    QTest::mousePress(list, Qt::LeftButton, Qt::NoModifier, at("abc"));
+    QMouseEvent move(QEvent::MouseMove, at("c.c"), list->mapToGlobal(at("c.c")), Qt::NoButton,
+                     Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(list, &move);
+    QTest::mouseRelease(list, Qt::LeftButton, Qt::NoModifier, at("c.c"));
+    EXPECT_EQ(selected(), "abc b.h c.c");
+}
+
+TEST_F(Selection, KeysMoveExtendAndToggle) {
+    click("ab.c");
+    press(Qt::Key_Down);
+    EXPECT_EQ(selected(), "abc");
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(selected(), "abc b.h c.c");
+    press(Qt::Key_Up, Qt::ShiftModifier);
+    EXPECT_EQ(selected(), "abc b.h");
+    press(Qt::Key_End, Qt::ControlModifier);
+    EXPECT_EQ(selected(), "abc b.h");
+    EXPECT_EQ(gDir->current, index_of("d"));
+    press(Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(selected(), "abc b.h d");
+    press(Qt::Key_Home);
+    EXPECT_EQ(selected(), "");
+    EXPECT_EQ(gDir->current, -1);
+}
+
+TEST_F(Selection, EntryZeroNeverCarriesTheCurrentFlag) {
+    fl_goto_index(0);
+    EXPECT_EQ(gDir->current, 0);
+    EXPECT_EQ(gDir->entries[0]->flags & kEntryCurrent, 0u);
+    fl_goto_index(2);
+    EXPECT_NE(gDir->entries[2]->flags & kEntryCurrent, 0u);
+    fl_goto_index(1);
+    EXPECT_EQ(gDir->entries[2]->flags & kEntryCurrent, 0u);
+}
+
+TEST_F(Selection, TypingSearchesAndEscapeKeepsTheSelection) {
+    type("ab");
+    EXPECT_EQ(text_of("status1"), "/ab");
+    EXPECT_EQ(selected(), "ab.c");
+    type("c");
+    EXPECT_EQ(selected(), "abc");
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(selected(), "ab.c");
+    press(Qt::Key_Escape);
+    EXPECT_EQ(text_of("status1"), "");
+    EXPECT_EQ(selected(), "ab.c");
+    EXPECT_FALSE(interp_active());
+    type("/*.h");
+    EXPECT_EQ(selected(), "b.h") << "typed text may be a pattern";
+    press(Qt::Key_Escape);
+    type("{");
+    EXPECT_FALSE(interp_active());
+    type(" ");
+    EXPECT_FALSE(interp_active());
+}
+
+TEST_F(Selection, EnterConfirmsASearchAndRepeatsTheLastOne) {
+    type("d");
+    press(Qt::Key_Return);
+    EXPECT_EQ(gDir->path, std::string(sandbox_.path()) + "/d");
+    fl_up();
+    fl_goto_index(0);
+    type("/");
+    press(Qt::Key_Return);
+    EXPECT_EQ(gDir->path, std::string(sandbox_.path()) + "/d");
+    fl_up();
+    type("?ab");
+    EXPECT_EQ(selected(), "ab.c");
+    press(Qt::Key_Return);
+    EXPECT_EQ(gDir->path, sandbox_.path());
+}
+
+TEST_F(Selection, ACommandLineIsHandedOverAndSearchesNothing) {
+    static std::string sCommand;
+    interp_set_runner([](const char* command) {
+        sCommand = command;
+        return 0;
+    });
+    click("abc");
+    type(":d /x:y");
+    EXPECT_EQ(selected(), "abc");
+    EXPECT_EQ(text_of("status1"), ":d /x:y");
+    press(Qt::Key_Return);
+    interp_set_runner(nullptr);
+    EXPECT_EQ(sCommand, "d /x:y");
+    EXPECT_FALSE(interp_active());
+}
+
+TEST_F(Selection, TheCommandLineClosesByItselfAndByAClick) {
+    gConfig->keyfind_timeout = 30;
+    type("ab");
+    EXPECT_TRUE(QTest::qWaitFor([] { return !interp_active(); }));
+    EXPECT_EQ(text_of("status1").substr(0, 10), "1 selected");
+    gConfig->keyfind_timeout = 60000;
+    type("ab");
+    click("b.h");
+    EXPECT_FALSE(interp_active());
+}
+
+TEST_F(Selection, SortingKeepsTheCurrentEntryAndTheSelection) {
+    click("c.c");
+    Widget* header = w_instance("fh_filename");
+    fl_sort_cb(header);
+    EXPECT_EQ(gDir->entries[gDir->current]->name, std::string("c.c"));
+    EXPECT_EQ(row_name(1), "d");
+    EXPECT_EQ(selected(), "c.c");
+    fl_sort_cb(w_instance("fh_size"));
+    EXPECT_EQ(fl_sort_order(), 0) << "another column keeps the direction";
+    fl_sort_cb(w_instance("fh_size"));
+    fl_sort_cb(header);
+    EXPECT_EQ(row_name(1), "ab.c");
+    EXPECT_EQ(fl_get_column_width(0), -1);
+    EXPECT_EQ(fl_get_column_width(8), -1);
+}
+
+}  // namespace
+}  // namespace dorn

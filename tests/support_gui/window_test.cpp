@@ -1,0 +1,92 @@
+#include "support_gui/window_test.h"
+
+#include "app/base.h"
+#include "app/base_window.h"
+#include "config/history.h"
+#include "filelist/filelist.h"
+#include "filelist/list_view.h"
+#include "filelist/navigation.h"
+#include "filelist/pane.h"
+#include "ui/qt_widget.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QTest>
+
+namespace dorn {
+
+QMainWindow* WindowTest::window_ = nullptr;
+
+void WindowTest::SetUp() {
+    if (window_ == nullptr) {
+        gConfig = new Config{};
+        config_load(*gConfig, nullptr, "config.003");
+        init_read_cboxs(nullptr);
+        window_ = base_make();
+        base_setup(handle(window_), 1);
+        base_opening();
+        window_->show();
+        QApplication::setActiveWindow(window_);
+    }
+    show_sandbox();
+}
+
+void WindowTest::TearDown() {
+    config_load(*gConfig, nullptr, "config.003");
+    fl_setspec("*");
+    fl_newpath(nullptr, "/");
+}
+
+void WindowTest::show_sandbox() {
+    if (gDir != nullptr && gDir->path == sandbox_.path())
+        fl_refresh();
+    else
+        ASSERT_EQ(fl_newpath(nullptr, sandbox_.path()), 0) << sandbox_.path();
+}
+
+std::string WindowTest::row_name(int row) {
+    if (row < 0 || row >= static_cast<int>(gPane.rows.size())) return {};
+    return fl_column_text(gPane.rows[static_cast<std::size_t>(row)].index, 1);
+}
+
+int32_t WindowTest::index_of(const std::string& name) {
+    for (int32_t i = 0; i < gDir->count; ++i) {
+        if (gDir->entries[i]->name == name) return i;
+    }
+    return -2;
+}
+
+std::string WindowTest::selected() {
+    std::string names;
+    for (int32_t i = 0; i < gDir->count; ++i) {
+        if ((gDir->entries[i]->flags & kEntrySelected) == 0) continue;
+        if (!names.empty()) names += ' ';
+        names += gDir->entries[i]->name;
+    }
+    return names;
+}
+
+std::string WindowTest::text_of(const char* instance) {
+    const auto* label = qt_instance<QLabel>(instance);
+    return label == nullptr ? std::string() : label->text().toStdString();
+}
+
+void WindowTest::type(const char* text) {
+    QTest::keyClicks(gPane.view, QString::fromUtf8(text));
+}
+
+void WindowTest::press(int key, Qt::KeyboardModifiers held) {
+    QTest::keyClick(gPane.view, static_cast<Qt::Key>(key), held);
+}
+
+void WindowTest::click(const std::string& name, Qt::KeyboardModifiers held, bool twice) {
+    const int row = fl_row_of(name == ".." ? -1 : index_of(name));
+    ASSERT_GE(row, 0) << name;
+    gPane.view->scroll_to_row(row);
+    const QRect area = gPane.view->visualRect(gPane.view->model()->index(row, 0));
+    const QPoint at(30, area.center().y());
+    QTest::mouseClick(gPane.view->viewport(), Qt::LeftButton, held, at);
+    if (twice) QTest::mouseDClick(gPane.view->viewport(), Qt::LeftButton, held, at);
+}
+
+}  // namespace dorn
