@@ -92,12 +92,12 @@ int ListView::natural_width(int column) const {
 
 void ListView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                        const QModelIndex& index) const {
+    // While the directory is read the rows stand for entries that are being replaced.
+    if (fl_is_reading() || index.row() >= static_cast<int>(gPane.rows.size())) return;
     QStyleOptionViewItem row = option;
-    if (index.row() < static_cast<int>(gPane.rows.size())) {
-        const int32_t entry = gPane.rows[static_cast<std::size_t>(index.row())].index;
-        if (entry >= 0 && (gDir->entries[entry]->flags & kEntrySelected) != 0)
-            row.state |= QStyle::State_Selected;
-    }
+    const int32_t entry = gPane.rows[static_cast<std::size_t>(index.row())].index;
+    if (entry >= 0 && entry < gDir->count && (gDir->entries[entry]->flags & kEntrySelected) != 0)
+        row.state |= QStyle::State_Selected;
     row.state.setFlag(QStyle::State_Active, hasFocus() && isActiveWindow());
     QTreeView::drawRow(painter, row, index);
 }

@@ -1,5 +1,6 @@
 #include "dirmodel/dir_read.h"
 #include "filelist/filelist.h"
+#include "filelist/list_model.h"
 #include "filelist/list_view.h"
 #include "filelist/navigation.h"
 #include "filelist/pane.h"
@@ -11,6 +12,7 @@
 #include <QApplication>
 #include <QScrollBar>
 #include <QTest>
+#include <QTimer>
 
 #include <thread>
 
@@ -123,7 +125,7 @@ TEST_F(Refresh, AStormOfRequestsDuringAReadLeavesOneCorrectList) {
     fl_refresh();
     EXPECT_TRUE(QTest::qWaitFor([&] { return requests > 200 && !fl_is_reading(); }, 60000));
     storm.stop();
-    QTest::qWaitFor([] { return !fl_is_reading(); });
+    EXPECT_TRUE(QTest::qWaitFor([] { return !fl_is_reading(); }));
     EXPECT_EQ(sDeepest, 1);
     EXPECT_LE(sReads, 210);
     EXPECT_EQ(gDir->count, 300);

@@ -1,5 +1,6 @@
 #include "filelist/selection.h"
 
+#include "config/config.h"
 #include "filelist/columns.h"
 #include "filelist/filelist.h"
 #include "filelist/list_view.h"
