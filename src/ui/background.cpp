@@ -112,7 +112,7 @@ class AsyncCalls {
 }  // namespace
 
 void ui_async(Widget* owner, std::function<void()> work, std::function<void()> done) {
-    static AsyncCalls* const calls = new AsyncCalls;  // outlives the application object
+    static auto* const calls = new AsyncCalls;  // lives as long as the event loop
     calls->add({qt(owner), owner != nullptr, std::move(work), std::move(done), nullptr, {}});
 }
 
