@@ -33,6 +33,12 @@ QString ui_label_text(const char* text) {
     return ui_text(text).replace(u'&', QStringLiteral("&&")).replace(u'\n', QChar(u'\u240A'));
 }
 
+namespace {
+
+constexpr double kUsualPoints = 9;  // what most desktops begin with
+
+}  // namespace
+
 QFont ui_font(const char* name) {
     const QFont desktop = QApplication::font();
     QString family = QString::fromUtf8(name).trimmed();
@@ -53,8 +59,12 @@ QFont ui_font(const char* name) {
     family.truncate(digits);
     if (family.isEmpty() || points <= 0 || points > 200) return desktop;
     QFont font = desktop;
-    if (family != u"TextFont") font.setFamily(family);
-    if (family != u"TextFont" || points != 8) font.setPointSize(points);
+    if (family == u"TextFont") {
+        font.setPointSizeF(desktop.pointSizeF() * points / kUsualPoints);
+    } else {
+        font.setFamily(family);
+        font.setPointSize(points);
+    }
     font.setBold(bold);
     font.setItalic(italic);
     return font;

@@ -31,7 +31,9 @@ void ui_register_instances(QWidget* root);
 
 /// The font that a font name of the configuration record stands for: a family, a size in points of
 /// two digits or more, then "b" and "i" for bold and italic ("DejaVu Sans10b"). "TextFont" is the
-/// desktop's own font; a name that is none gives that, too.
+/// desktop's own font, its size relative to the 9 points that are usual: "TextFont08" is a little
+/// smaller than the desktop's text, whatever size that has. A name that is none gives the desktop's
+/// own font.
 QFont ui_font(const char* name);
 
 /// Makes our own pictures the fallback icon theme ("dorn"), so that a themed icon is found where

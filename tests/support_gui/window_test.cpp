@@ -32,6 +32,7 @@ void WindowTest::SetUp() {
 }
 
 void WindowTest::TearDown() {
+    QApplication::processEvents();  // what a test left to be done later
     config_load(*gConfig, nullptr, "config.003");
     fl_setspec("*");
     fl_newpath(nullptr, "/");
