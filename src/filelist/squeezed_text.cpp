@@ -7,7 +7,7 @@ namespace dorn {
 
 namespace {
 
-constexpr double kNarrowest = 0.8;
+constexpr double kNarrowest = 0.72;
 
 }  // namespace
 

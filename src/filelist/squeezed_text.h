@@ -1,4 +1,4 @@
-// Text in a narrow place: drawn narrower by up to a fifth before it is cut with an ellipsis.
+// Text in a narrow place: drawn narrower by up to a quarter or so before it is cut with an ellipsis.
 #pragma once
 
 #include <QFont>
