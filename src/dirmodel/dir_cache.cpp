@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <sys/mman.h>
 
 namespace dorn {
 
@@ -40,19 +41,24 @@ void entry_set_link(DirEntry* entry, std::string_view text) {
     entry->link_text[text.size()] = '\0';
 }
 
-void EntrySlabs::Free::operator()(DirEntry* slab) const {
-    std::free(slab);
+EntrySlabs::~EntrySlabs() {
+    for (const Slab& slab : slabs_)
+        munmap(slab.records, slab.size * sizeof(DirEntry));
 }
 
+// Slabs are mapped, not allocated: the heap would put them between the blocks that grow with the
+// directory and leave holes of a quarter of their size.
 DirEntry* EntrySlabs::take() {
-    if (used_ == size_) {
-        size_ = size_ == 0 ? kFirstSlab : std::min(size_ * 2, kLargestSlab);
+    if (slabs_.empty() || used_ == slabs_.back().size) {
+        const std::size_t size =
+            slabs_.empty() ? kFirstSlab : std::min(slabs_.back().size * 2, kLargestSlab);
+        void* records = mmap(nullptr, size * sizeof(DirEntry), PROT_READ | PROT_WRITE,
+                             MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (records == MAP_FAILED) std::_Exit(1);
+        slabs_.push_back({static_cast<DirEntry*>(records), size});
         used_ = 0;
-        auto* slab = static_cast<DirEntry*>(std::calloc(size_, sizeof(DirEntry)));
-        if (slab == nullptr) std::_Exit(1);
-        slabs_.emplace_back(slab);
     }
-    return &slabs_.back()[used_++];
+    return &slabs_.back().records[used_++];
 }
 
 void EntrySlabs::put_back(DirEntry* last) {

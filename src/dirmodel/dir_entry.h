@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,10 +40,15 @@ static_assert(sizeof(DirEntry) <= 360, "a million entries are to fit in memory b
 /// link_text may stay null when there is no memory.
 void entry_set_link(DirEntry* entry, std::string_view text);
 
-/// Where DirEntry records come from: allocated zeroed, many at a time, a few at first; they live as
-/// long as this. The process ends with status 1 when there is no memory.
+/// Where DirEntry records come from: zeroed pages of the system, a few at first; they live as long
+/// as this. The process ends with status 1 when there is no memory.
 class EntrySlabs {
   public:
+    EntrySlabs() = default;
+    ~EntrySlabs();
+    EntrySlabs(const EntrySlabs&) = delete;
+    EntrySlabs& operator=(const EntrySlabs&) = delete;
+
     /// A zeroed record.
     DirEntry* take();
 
@@ -52,12 +56,12 @@ class EntrySlabs {
     void put_back(DirEntry* last);
 
   private:
-    struct Free {
-        void operator()(DirEntry* slab) const;
+    struct Slab {
+        DirEntry* records;
+        std::size_t size;  // records
     };
-    std::vector<std::unique_ptr<DirEntry[], Free>> slabs_;
-    std::size_t size_ = 0;  // records in the last slab
-    std::size_t used_ = 0;  // records given out of it
+    std::vector<Slab> slabs_;
+    std::size_t used_ = 0;  // records given out of the last slab
 };
 
 /// The shown directory. Slots 0 .. count-1 of `entries` are shown, in display order; the next

@@ -1,5 +1,8 @@
 #include "dirmodel/sort_names.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace dorn {
 
 SortNames::SortNames(Lookup lookup) : lookup_(lookup), slots_(64) {}
@@ -32,8 +35,24 @@ void SortNames::add(uint32_t id) {
     (void)lookup_(id, slots_[slot].name);
 }
 
-const char* SortNames::find(uint32_t id) const {
-    return slots_[slot_of(id)].name;
+void SortNames::rank() {
+    std::vector<Slot*> order;
+    for (Slot& slot : slots_) {
+        if (slot.used) order.push_back(&slot);
+    }
+    const auto before = [](const Slot* a, const Slot* b) {
+        return std::strcmp(a->name, b->name) < 0;
+    };
+    std::sort(order.begin(), order.end(), before);
+    int32_t place = 0;
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i > 0 && before(order[i - 1], order[i])) ++place;
+        order[i]->place = place;
+    }
+}
+
+int32_t SortNames::place(uint32_t id) const {
+    return slots_[slot_of(id)].place;
 }
 
 }  // namespace dorn

@@ -1,5 +1,5 @@
 // Owner or group names for the length of one sort: each id is asked for once, however many there
-// are, and a comparison is a look into a table.
+// are, and two ids are compared by the places of their names.
 #pragma once
 
 #include "dirmodel/dir_sort.h"
@@ -9,7 +9,8 @@
 
 namespace dorn {
 
-/// A hash table from id to name. Event-loop thread only.
+/// A hash table from id to the place of its name: add every id, rank, then ask. Event-loop thread
+/// only.
 class SortNames {
   public:
     using Lookup = int (*)(uint32_t id, char buffer[kIdNameSize]);
@@ -19,14 +20,18 @@ class SortNames {
     /// Makes the name of `id` known, asking for it when it is not.
     void add(uint32_t id);
 
-    /// The name of an id that was added.
-    const char* find(uint32_t id) const;
+    /// Gives the names their places in byte order; equal names share one.
+    void rank();
+
+    /// The place of an added id's name, from 0.
+    int32_t place(uint32_t id) const;
 
   private:
     struct Slot {
         uint32_t id;
         bool used;
         char name[kIdNameSize];
+        int32_t place;
     };
 
     std::size_t slot_of(uint32_t id) const;
