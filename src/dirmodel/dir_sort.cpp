@@ -12,22 +12,29 @@ namespace dorn {
 
 namespace {
 
-// What a sort compares most, beside the pointer: an entry's own memory is far away.
+// What a sort compares, beside the pointer: an entry's own memory is far away.
 struct SortItem {
     DirEntry* entry;
-    uint64_t name_key;  // the name's first bytes behind what all names begin with, most significant
-                        // first
-    int32_t name_place;  // of the owner's or group's name, when that is the primary order
+    uint64_t name_key;  // the name's bytes behind what all names begin with, the first one highest
+    int64_t value;      // what the primary order compares, where that is a number
     bool folder;
     bool digits;  // the name is of digits alone
 };
 static_assert(sizeof(SortItem) <= 32, "larger ones are sorted through pointers by the C library");
 
+// How the primary order is computed from two items.
+enum class Primary {
+    Name,
+    Smaller,     // 1 when a's value is smaller, else 0
+    Difference,  // of the values, in 32 bits
+    Entries,     // by the comparator
+};
+
 DirCompare _primary_cmp = nullptr;
 DirCompare _secondary_cmp = nullptr;
 int32_t _sort_direction = 1;
 std::size_t sCommonLength = 0;  // bytes that all names begin with
-bool sByPlace = false;          // the primary order is that of name_place
+Primary sPrimary = Primary::Entries;
 
 // How many bytes all the names begin with.
 std::size_t common_length(const DirCache& cache) {
@@ -63,20 +70,37 @@ std::vector<SortItem> make_items(const DirCache& cache) {
     return items;
 }
 
-uint32_t id_of(const DirEntry& entry) {
-    return static_cast<uint32_t>(_primary_cmp == dir_cmp_user ? entry.uid : entry.gid);
+Primary primary_of(DirCompare compare) {
+    if (compare == dir_cmp_name) return Primary::Name;
+    if (compare == dir_cmp_size) return Primary::Smaller;
+    const bool numbers = compare == dir_cmp_date || compare == dir_cmp_permissions ||
+                         compare == dir_cmp_user || compare == dir_cmp_group;
+    return numbers ? Primary::Difference : Primary::Entries;
 }
 
-// Notes the places of the owners' or groups' names, where these are the primary order.
-void place_names(std::vector<SortItem>& items) {
-    sByPlace = _primary_cmp == dir_cmp_user || _primary_cmp == dir_cmp_group;
-    if (!sByPlace) return;
-    SortNames names(_primary_cmp == dir_cmp_user ? dir_get_username : dir_get_groupname);
+// Owners and groups are compared by the places of their names.
+void set_places(std::vector<SortItem>& items, int32_t FileStatus::*id, SortNames::Lookup lookup) {
+    SortNames names(lookup);
     for (const SortItem& item : items)
-        names.add(id_of(*item.entry));
+        names.add(static_cast<uint32_t>(item.entry->*id));
     names.rank();
     for (SortItem& item : items)
-        item.name_place = names.place(id_of(*item.entry));
+        item.value = names.place(static_cast<uint32_t>(item.entry->*id));
+}
+
+template <typename Value>
+void set_values(std::vector<SortItem>& items, Value FileStatus::*field) {
+    for (SortItem& item : items)
+        item.value = static_cast<int64_t>(item.entry->*field);
+}
+
+void set_primary(std::vector<SortItem>& items) {
+    sPrimary = primary_of(_primary_cmp);
+    if (_primary_cmp == dir_cmp_size) set_values(items, &FileStatus::size);
+    if (_primary_cmp == dir_cmp_date) set_values(items, &FileStatus::mtime);
+    if (_primary_cmp == dir_cmp_permissions) set_values(items, &FileStatus::mode);
+    if (_primary_cmp == dir_cmp_user) set_places(items, &FileStatus::uid, dir_get_username);
+    if (_primary_cmp == dir_cmp_group) set_places(items, &FileStatus::gid, dir_get_groupname);
 }
 
 // What dir_cmp_name answers.
@@ -86,9 +110,18 @@ int32_t compare_names(const SortItem& a, const SortItem& b) {
     return std::strcmp(a.entry->name + sCommonLength, b.entry->name + sCommonLength);
 }
 
+// What the primary comparator answers, in the sign at least.
 int32_t compare_primary(const SortItem& a, const SortItem& b) {
-    if (_primary_cmp == dir_cmp_name) return compare_names(a, b);
-    if (sByPlace) return a.name_place - b.name_place;
+    switch (sPrimary) {
+        case Primary::Name:
+            return compare_names(a, b);
+        case Primary::Smaller:
+            return a.value < b.value ? 1 : 0;
+        case Primary::Difference:
+            return static_cast<int32_t>(a.value - b.value);
+        case Primary::Entries:
+            break;
+    }
     return _primary_cmp(a.entry, b.entry);
 }
 
@@ -111,7 +144,7 @@ void dir_sort(DirCache* cache, DirCompare primary, int ascending) {
     _sort_direction = ascending != 0 ? 1 : -1;
     if (cache->count < 2) return;
     std::vector<SortItem> items = make_items(*cache);
-    place_names(items);
+    set_primary(items);
     std::qsort(items.data(), items.size(), sizeof(SortItem), _qsort_cmp);
     DirEntry** slot = cache->entries;
     for (const SortItem& item : items)

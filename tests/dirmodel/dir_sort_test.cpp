@@ -2,9 +2,11 @@
 
 #include "config/config.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace dorn {
 namespace {
@@ -120,6 +122,47 @@ TEST_F(DirSort, EqualEntriesAreOrderedByName) {
     add("b").mtime = 2;
     EXPECT_EQ(sorted(dir_cmp_date), (Names{"b", "a", "c"}));
     EXPECT_EQ(sorted(dir_cmp_date, 0), (Names{"c", "a", "b"}));
+}
+
+DirCompare sCompare = nullptr;
+
+int compare_plainly(const void* a, const void* b) {
+    const DirEntry* left = *static_cast<DirEntry* const*>(a);
+    const DirEntry* right = *static_cast<DirEntry* const*>(b);
+    const int32_t result = sCompare(left, right);
+    return result != 0 ? result : dir_cmp_name(left, right);
+}
+
+TEST_F(DirSort, OrderIsThatOfTheLibrarysSortWithTheComparators) {
+    std::mt19937 random(1);
+    const auto pick = [&](unsigned count) { return static_cast<unsigned>(random() % count); };
+    const std::string prefixes[] = {"", "common", "c"};
+    char target[] = "target";
+    for (const DirCompare compare : {dir_cmp_name, dir_cmp_size, dir_cmp_date, dir_cmp_user,
+                                     dir_cmp_group, dir_cmp_permissions, dir_cmp_link}) {
+        for (const std::string& prefix : prefixes) {
+            pointers_.clear();
+            for (int n = 0; n < 500; ++n) {
+                const bool number = prefix != "common" && pick(3) == 0;
+                std::string name = number ? "" : prefix;
+                for (unsigned left = 1 + pick(12); left > 0; --left)
+                    name += static_cast<char>(number ? '0' + pick(10) : 0x30 + pick(0xD0));
+                DirEntry& entry = add(name.c_str());
+                entry.size = pick(20);
+                entry.mtime = static_cast<uint32_t>(random());
+                entry.uid = 1000 + static_cast<int32_t>(pick(8));
+                entry.gid = static_cast<int32_t>(pick(8));
+                entry.mode = pick(0xFFFF);
+                entry.flags = pick(2) == 0 ? kEntryLink : 0;
+                entry.link_text = target;
+            }
+            std::vector<DirEntry*> expected = pointers_;
+            sCompare = compare;
+            std::qsort(expected.data(), expected.size(), sizeof(DirEntry*), compare_plainly);
+            dir_sort(&cache_, compare, 1);
+            EXPECT_EQ(pointers_, expected);
+        }
+    }
 }
 
 TEST_F(DirSort, DifferenceOfHalfTheRangeSurvivesTheTurn) {
