@@ -37,7 +37,7 @@ int ui_alert(Widget* parent, const char* title, const char* message, const char*
     box.setObjectName(QStringLiteral("alert"));
     box.setWindowTitle(ui_text(title));
     box.setTextFormat(Qt::PlainText);
-    box.setText(ui_text(message));
+    box.setText(ui_message_text(message));
     box.setIcon(QMessageBox::NoIcon);
     const QList<AlertButton> parsed = parse_buttons(buttons);
     QList<QPushButton*> pressed;

@@ -15,22 +15,25 @@ bool is_direction_override(char16_t c) {
 
 }  // namespace
 
-QString ui_text(const char* text) {
+QString ui_message_text(const char* text) {
     QString shown = QString::fromUtf8(text);
     for (QChar& c : shown) {
         const char16_t unit = c.unicode();
-        if (unit < 0x20 && unit != u'\n')
-            c = QChar(char16_t(0x2400 + unit));  // the pictures of the control characters
-        else if (unit == 0x7F)
-            c = QChar(u'\u2421');
-        else if (is_direction_override(unit) || (unit >= 0x80 && unit < 0xA0))
+        const bool control = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
+        if (unit == u'\t')
+            c = QChar(u'\u21E5');
+        else if ((control && unit != u'\n') || is_direction_override(unit))
             c = QChar(u'\uFFFD');
     }
     return shown;
 }
 
+QString ui_text(const char* text) {
+    return ui_message_text(text).replace(u'\n', QChar(u'\u21B5'));
+}
+
 QString ui_label_text(const char* text) {
-    return ui_text(text).replace(u'&', QStringLiteral("&&")).replace(u'\n', QChar(u'\u240A'));
+    return ui_text(text).replace(u'&', QStringLiteral("&&"));
 }
 
 namespace {

@@ -47,9 +47,12 @@ void ui_setup_icon_theme();
 /// dark palette is always ours. An unknown name gives a null icon. Event-loop thread only.
 QIcon ui_icon(const char* own_name, const char* theme_name = nullptr);
 
-/// `text` as it can be shown: control characters and direction overrides made visible, invalid
-/// UTF-8 replaced. For display only, never the way back to a file.
+/// `text` on one line as it can be shown: a newline and a tab as arrows, other control characters,
+/// direction overrides and invalid UTF-8 as replacement characters. For display only, never the way
+/// back to a file.
 QString ui_text(const char* text);
+/// The same with its lines, for the text of an alert.
+QString ui_message_text(const char* text);
 /// The same with every "&" doubled and on one line, for menus and buttons.
 QString ui_label_text(const char* text);
 

@@ -120,7 +120,9 @@ TEST(Async, WorkRunsElsewhereAndItsEndIsToldHere) {
                 told = std::this_thread::get_id();
                 ++ended;
             });
-        if (i == 0) ASSERT_TRUE(QTest::qWaitFor([&] { return ended == 1; }));
+        if (i == 0) {
+            ASSERT_TRUE(QTest::qWaitFor([&] { return ended == 1; }));
+        }
     }
     EXPECT_TRUE(QTest::qWaitFor([&] { return ended == 20; }));
     EXPECT_EQ(dropped, 0);

@@ -15,18 +15,19 @@ TEST(DisplayText, WhatCouldMisleadIsMadeVisible) {
     };
     for (const Row& row : std::vector<Row>{{"plain \xC3\xBC", "plain \xC3\xBC"},
                                            {"a\tb",
-                                            "a\xE2\x90\x89"
+                                            "a\u21E5"
                                             "b"},
-                                           {"a\x1B[1m", "a\xE2\x90\x9B[1m"},
-                                           {"a\x7F", "a\xE2\x90\xA1"},
+                                           {"a\x1B[1m", "a\uFFFD[1m"},
+                                           {"a\x7F", "a\uFFFD"},
                                            {"\xFF", "\xEF\xBF\xBD"},
                                            {"exe\xE2\x80\xAEtxt", "exe\xEF\xBF\xBDtxt"},
                                            {"a\xC2\x85", "a\xEF\xBF\xBD"},
-                                           {"two\nlines", "two\nlines"},
+                                           {"two\nlines", "two\u21B5lines"},
                                            {"<b>&amp;</b>", "<b>&amp;</b>"}})
         EXPECT_EQ(ui_text(row.bytes), QString::fromUtf8(row.shown));
-    EXPECT_EQ(ui_label_text("a & b\nc"), QString::fromUtf8("a && b\xE2\x90\x8A"
+    EXPECT_EQ(ui_label_text("a & b\nc"), QString::fromUtf8("a && b\u21B5"
                                                            "c"));
+    EXPECT_EQ(ui_message_text("two\nlines\x01"), QString::fromUtf8("two\nlines\uFFFD"));
 }
 
 TEST(Fonts, NamesOfTheRecordBecomeFonts) {
@@ -47,9 +48,11 @@ TEST(Fonts, NamesOfTheRecordBecomeFonts) {
         EXPECT_EQ(font.bold(), row.bold) << row.name;
         EXPECT_EQ(font.italic(), row.italic) << row.name;
     }
-    for (const char* none : {"", "12", "Serif", "bi", "Sans999999999999", "TextFont08", "\xFF"})
+    for (const char* none : {"", "12", "Serif", "bi", "Sans999999999999", "\xFF"})
         EXPECT_EQ(ui_font(none), desktop) << none;
-    EXPECT_EQ(ui_font("TextFont12b").pointSize(), 12);
+    // The desktop's own font, relative to the usual 9 points.
+    EXPECT_NEAR(ui_font("TextFont08").pointSizeF(), desktop.pointSizeF() * 8 / 9, 0.01);
+    EXPECT_EQ(ui_font("TextFont09").family(), desktop.family());
 }
 
 TEST(ComboHistory, IsRefilledOnlyWhenItChangedAndLeavesTheField) {
