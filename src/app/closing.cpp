@@ -31,6 +31,7 @@ int base_closing() {
     base_window_closed = 1;
     if (gConfigPath != nullptr) save_all(gConfigPath->c_str());
     dir_read_stop();
+    tree_expand_stop();
     return 0;
 }
 

@@ -15,8 +15,7 @@
 namespace dorn {
 
 int hm_add() {
-    const std::string shown = fname_decode(gDir->path.c_str(), nullptr);
-    tree_add(&gTree, shown.c_str());
+    tree_add_cb();
     tb_update();
     return 0;
 }
