@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <cstring>
 #include <ctime>
+#include <gtest/gtest.h>
 #include <iomanip>
 #include <sstream>
-#include <gtest/gtest.h>
 #include <string>
 
 namespace dorn {
