@@ -22,7 +22,6 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const bool selected = option.state.testFlag(QStyle::State_Selected);
     const bool active = option.state.testFlag(QStyle::State_Active);
     const QPalette::ColorGroup group = active ? QPalette::Active : QPalette::Inactive;
-    if (selected) painter->fillRect(option.rect, option.palette.brush(group, QPalette::Highlight));
     QRect area = option.rect.adjusted(kMargin, 0, -kMargin, 0);
     const QIcon icon = index.data(Qt::DecorationRole).value<QIcon>();
     if (!icon.isNull()) {

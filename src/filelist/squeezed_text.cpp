@@ -21,13 +21,15 @@ void draw_squeezed_text(QPainter* painter, const QRect& area, Qt::Alignment alig
         painter->drawText(area, flags, text);
         return;
     }
-    const double scale = qMax(kNarrowest, double(area.width()) / width);
-    const int room = static_cast<int>(area.width() / scale);
+    const double scale = double(area.width()) / width;
+    if (scale < kNarrowest) {
+        painter->drawText(area, flags, metrics.elidedText(text, Qt::ElideRight, area.width()));
+        return;
+    }
     painter->save();
     painter->translate(area.topLeft());
     painter->scale(scale, 1.0);
-    painter->drawText(QRect(0, 0, room + 1, area.height()), flags,
-                      metrics.elidedText(text, Qt::ElideRight, room + 1));
+    painter->drawText(QRect(0, 0, width + 1, area.height()), flags, text);
     painter->restore();
 }
 

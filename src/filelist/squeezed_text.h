@@ -1,4 +1,5 @@
-// Text in a narrow place: drawn narrower by up to a quarter or so before it is cut with an ellipsis.
+// Text in a narrow place: drawn narrower, by up to a quarter or so, where that shows it whole; else
+// cut with an ellipsis.
 #pragma once
 
 #include <QFont>

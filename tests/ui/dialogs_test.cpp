@@ -65,7 +65,7 @@ TEST(Alert, ItsTextsAreShownAsTheyAre) {
         box->close();
     });
     EXPECT_EQ(wask(nullptr, "T", "<b>%s</b>\n%d", "%s\t\xE2\x80\xAE", 7), 2);
-    EXPECT_EQ(text, QString::fromUtf8("<b>%s\xE2\x90\x89\xEF\xBF\xBD</b>\n7"));
+    EXPECT_EQ(text, QString::fromUtf8("<b>%s\xE2\x87\xA5\xEF\xBF\xBD</b>\n7"));
     EXPECT_EQ(title, QStringLiteral("T"));
     EXPECT_EQ(label, QStringLiteral("&Yes"));
 }
