@@ -2,6 +2,7 @@
 
 #include <QLineEdit>
 #include <QScopedValueRollback>
+#include <QTimer>
 
 namespace dorn {
 
@@ -81,7 +82,8 @@ bool EntryField::eventFilter(QObject* watched, QEvent* event) {
             if (on_interrupt) on_interrupt();
             return false;
         case QEvent::PaletteChange:
-            if (on_palette && watched == combo_) on_palette();
+            // Not before the change has reached the line edit, which would undo what is set here.
+            if (on_palette && watched == combo_) QTimer::singleShot(0, this, on_palette);
             return false;
         default:
             return false;

@@ -21,7 +21,7 @@ class EntryField : public QObject {
     std::function<bool(QKeyEvent* event)> on_key;
     /// Called for what interrupts a sequence of keys: a mouse button, the focus leaving.
     std::function<void()> on_interrupt;
-    /// Called when the palette has changed.
+    /// Called soon after the palette has changed.
     std::function<void()> on_palette;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
