@@ -30,14 +30,10 @@ bool is_display_text(const std::string& name) {
     return QByteArrayView(name.data(), qsizetype(name.size())).isValidUtf8();
 }
 
-QString one_line(const char* text) {
-    return ui_text(text).replace(u'\n', u'\u240A');
-}
-
 // Always marked up, so that no name is taken for mark-up.
 QString tool_tip(const std::string& path) {
     return QStringLiteral("<p style='white-space:pre'>%1</p>")
-        .arg(one_line(path.c_str()).toHtmlEscaped());
+        .arg(ui_text(path.c_str()).toHtmlEscaped());
 }
 
 QSize row_size(const QTreeWidget* tree) {
@@ -85,8 +81,8 @@ void TreeItem::end_filling() {
 
 // The label is display text, except where only the bytes lead back to the disk.
 QString TreeItem::shown_name() const {
-    if (is_display_text(name_)) return one_line(name_.c_str());
-    return one_line(fname_decode(name_.c_str(), nullptr));
+    if (is_display_text(name_)) return ui_text(name_.c_str());
+    return ui_text(fname_decode(name_.c_str(), nullptr));
 }
 
 QVariant TreeItem::data(int column, int role) const {
