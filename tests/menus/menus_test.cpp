@@ -180,7 +180,8 @@ TEST_F(MenusTest, BookmarksAreAddedRemovedAndListed) {
     ASSERT_EQ(items.size(), 4);
     EXPECT_TRUE(items[2]->isSeparator());
     EXPECT_EQ(items[3]->text(), ui_label_text(odd.c_str()));
-    EXPECT_TRUE(items[3]->text().endsWith(QString::fromUtf8("R&&D\xE2\x90\x89new")));
+    EXPECT_TRUE(items[3]->text().contains(QStringLiteral("R&&D")));
+    EXPECT_FALSE(items[3]->text().contains(u'	'));
     items[3]->trigger();
     EXPECT_EQ(gDir->path, odd);
     press(Qt::Key_R, Qt::ControlModifier);
