@@ -98,12 +98,9 @@ void ListView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
     const int32_t entry = gPane.rows[static_cast<std::size_t>(index.row())].index;
     if (entry >= 0 && entry < gDir->count && (gDir->entries[entry]->flags & kEntrySelected) != 0)
         row.state |= QStyle::State_Selected;
-    const bool active = hasFocus() && isActiveWindow();
-    row.state.setFlag(QStyle::State_Active, active);
-    if (row.state.testFlag(QStyle::State_Selected)) {
-        const QPalette::ColorGroup group = active ? QPalette::Active : QPalette::Inactive;
-        painter->fillRect(row.rect, palette().brush(group, QPalette::Highlight));
-    }
+    row.state.setFlag(QStyle::State_Active, hasFocus() && isActiveWindow());
+    if (row.state.testFlag(QStyle::State_Selected))
+        painter->fillRect(row.rect, RowDelegate::selection_colour(row));
     QTreeView::drawRow(painter, row, index);
 }
 

@@ -15,13 +15,23 @@ constexpr int kImageGap = 4;
 
 }  // namespace
 
+QColor RowDelegate::selection_colour(const QStyleOptionViewItem& option) {
+    const QColor highlight = option.palette.color(QPalette::Highlight);
+    if (option.state.testFlag(QStyle::State_Active)) return highlight;
+    const QColor base = option.palette.color(QPalette::Base);
+    constexpr float share = 0.3F;
+    auto mix = [](float a, float b) { return a * share + b * (1 - share); };
+    return QColor::fromRgbF(mix(highlight.redF(), base.redF()),
+                            mix(highlight.greenF(), base.greenF()),
+                            mix(highlight.blueF(), base.blueF()));
+}
+
 RowDelegate::RowDelegate(ListView* view) : QStyledItemDelegate(view) {}
 
 void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                         const QModelIndex& index) const {
     const bool selected = option.state.testFlag(QStyle::State_Selected);
     const bool active = option.state.testFlag(QStyle::State_Active);
-    const QPalette::ColorGroup group = active ? QPalette::Active : QPalette::Inactive;
     QRect area = option.rect.adjusted(kMargin, 0, -kMargin, 0);
     const QIcon icon = index.data(Qt::DecorationRole).value<QIcon>();
     if (!icon.isNull()) {
@@ -33,8 +43,8 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         area.adjust(kImageSize + kImageGap, 0, 0, 0);
     }
     painter->setFont(option.font);
-    painter->setPen(
-        option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
+    const bool inverted = selected && active;
+    painter->setPen(option.palette.color(inverted ? QPalette::HighlightedText : QPalette::Text));
     const auto alignment = index.data(Qt::TextAlignmentRole).value<Qt::Alignment>();
     draw_squeezed_text(painter, area, alignment, index.data(Qt::DisplayRole).toString());
 }

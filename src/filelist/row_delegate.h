@@ -15,6 +15,10 @@ class RowDelegate : public QStyledItemDelegate {
                const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
+    /// What a selected row is filled with: paler while the list has not the keyboard focus
+    /// (State_Active).
+    static QColor selection_colour(const QStyleOptionViewItem& option);
+
     /// The width that shows the cell whole, in pixels.
     static int natural_width(const ListView& view, const QModelIndex& index);
 };
