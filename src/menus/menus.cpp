@@ -80,6 +80,7 @@ void menus_setup() {
         }
         QMenu* menu = bar->addMenu(QString::fromUtf8(table.title));
         menu->setObjectName(QLatin1String(table.name));
+        menu_build(menu, table);  // screen readers look into menus that are not open
         QObject::connect(menu, &QMenu::aboutToShow, [menu, &table] { menu_build(menu, table); });
     }
     toolbar_setup();

@@ -31,8 +31,10 @@ constexpr auto kListKeys = std::to_array<KeyLine>({
     {"Find forward, opening it with Ret", "/"},
     {"Find backward", "?"},
     {"Give the search up", "Esc"},
-    {"Select a range, one more", "Shift, Ctrl with click or arrows"},
+    {"Select a range", "Shift-click"},
+    {"Select one more, or one less", "Ctrl-click"},
     {"Next part of the window", "Tab"},
+    {"View menu", "menu button on the toolbar"},
 });
 constexpr auto kPathKeys = std::to_array<KeyLine>({
     {"Go to the path", "Ret"},

@@ -181,7 +181,7 @@ TEST_F(MenusTest, BookmarksAreAddedRemovedAndListed) {
     EXPECT_TRUE(items[2]->isSeparator());
     EXPECT_EQ(items[3]->text(), ui_label_text(odd.c_str()));
     EXPECT_TRUE(items[3]->text().contains(QStringLiteral("R&&D")));
-    EXPECT_FALSE(items[3]->text().contains(u'	'));
+    EXPECT_FALSE(items[3]->text().contains(u'\t'));
     items[3]->trigger();
     EXPECT_EQ(gDir->path, odd);
     press(Qt::Key_R, Qt::ControlModifier);
