@@ -10,7 +10,7 @@ namespace dorn {
 namespace {
 
 constexpr int64_t kKilobyte = 1024;
-constexpr int64_t kMegabyte = 1024 * 1024;
+constexpr int64_t kMegabyte = 1024L * 1024;
 constexpr std::size_t kTimeTextSize = 100;
 
 char execute_mark(uint32_t mode, uint32_t execute_bit, uint32_t set_id_bit) {

@@ -7,6 +7,7 @@
 #include "ui/qt_widget.h"
 
 #include <QHeaderView>
+#include <QPainter>
 #include <QScrollBar>
 
 namespace dorn {

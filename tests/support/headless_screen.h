@@ -3,11 +3,11 @@
 // What would have been shown is recorded; questions are answered from a script.
 #pragma once
 
+#include "ui/widget.h"
+
 #include <functional>
 #include <string>
 #include <vector>
-
-#include "ui/widget.h"
 
 namespace dorn::headless {
 
