@@ -27,12 +27,18 @@ std::string current_directory() {
     return getcwd(path.data(), path.size()) == nullptr ? "" : path.data();
 }
 
+// Reading a directory changes the working one, so what is kept must not depend on it.
+std::string absolute(const std::string& path) {
+    if (path.starts_with('/')) return path;
+    const std::string here = current_directory();
+    return here.empty() ? path : es_construct_fullpath(here.c_str(), path.c_str());
+}
+
 std::string start_candidate(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const char* argument = argv[i];
         if (argument[0] == '-') continue;
-        if (argument[0] == '/' || argument[0] == '\0') return argument;
-        return es_construct_fullpath(current_directory().c_str(), argument);
+        return argument[0] == '\0' ? "" : absolute(argument);
     }
     return {};
 }
@@ -61,7 +67,7 @@ std::string init_start_path(int argc, char** argv) {
 
 std::string init_config_directory(const char* home) {
     const std::string directory =
-        home == nullptr ? "/.or/dorn" : es_construct_fullpath(home, ".or/dorn");
+        home == nullptr ? "/.or/dorn" : absolute(es_construct_fullpath(home, ".or/dorn"));
     struct stat status {};
     if (stat(directory.c_str(), &status) == -1) {
         if (errno != ENOENT && errno != ENOTDIR) return unusable("access", directory);
@@ -84,8 +90,7 @@ int init(int argc, char** argv) {
 
     gConfig = new Config{};  // lives for the whole run
     const uint32_t encoding = config_load(*gConfig, directory, "config.003");
-    if (encoding != 0 && gConfig->alt_encoding[0] != '\0')
-        fname_set_translation(encoding, gConfig->alt_encoding);
+    fname_set_translation(encoding, gConfig->alt_encoding);
     init_read_cboxs(directory);
     return 0;
 }

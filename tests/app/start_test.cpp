@@ -1,6 +1,7 @@
 // Whole processes: start-up, what is kept per user, and the ways in which the program ends.
 #include "app/init.h"
 #include "config/config.h"
+#include "dirmodel/name_translation.h"
 #include "support/sandbox.h"
 
 #include <cstring>
@@ -214,6 +215,28 @@ TEST_F(Start, StartDirectoryIsTheFirstArgumentThatIsNoOption) {
     };
     for (const Case& one : cases)
         EXPECT_EQ(run_and_end(SIGTERM, one.arguments, one.shows), 0) << one.arguments[0];
+    ASSERT_EQ(chdir("/"), 0);
+}
+
+TEST_F(Start, NamesAreTriedAsUtf8AlsoWithoutAnAlternateSet) {
+    Config record{};
+    config_set_defaults(record);
+    record.flags = kFormatMark | kEncodingTryUtf8;
+    mkdir(kept_.c_str(), 0700);
+    ASSERT_EQ(init_save_config(&record, kept_.c_str(), "config.003"), 0);
+    setenv("HOME", home_.c_str(), 1);
+    char program[] = "dorn";
+    char* argv[] = {program, nullptr};
+    init(1, argv);
+    const char* name = "abc\xFF";
+    EXPECT_EQ(fname_decode(name, nullptr), name);
+    fname_set_translation(0, "");
+    EXPECT_STREQ(fname_decode(name, nullptr), "?abc?");
+}
+
+TEST_F(Start, ConfigurationDirectoryDoesNotFollowTheWorkingOne) {
+    ASSERT_EQ(chdir(sandbox_.path()), 0);
+    EXPECT_EQ(init_config_directory("home"), kept_);
     ASSERT_EQ(chdir("/"), 0);
 }
 
