@@ -116,6 +116,9 @@ int dorn_run(int argc, char** argv, void (*ready)()) {
         base_setup(handle(base.get()), 2);
         if (ready != nullptr) tell_when_idle(base.get(), ready);
     });
+    // The toolkit ends the process by itself when the display goes away. Registered behind all that
+    // saving uses, so it runs before any of that is taken down.
+    std::atexit([] { base_closing(); });
     return QApplication::exec();
 }
 
