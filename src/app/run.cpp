@@ -40,11 +40,18 @@ void choose_server(const std::string& server) {
     if (server.empty()) return;
     const bool wayland = server.rfind("wayland", 0) == 0;
     setenv(wayland ? "WAYLAND_DISPLAY" : "DISPLAY", server.c_str(), 1);
+    // Else the toolkit goes by the kind of the session, whichever server is named.
+    setenv("QT_QPA_PLATFORM", wayland ? "wayland" : "xcb", 0);
+}
+
+// The toolkit sets the user's locale. Our texts are in one language, and their dates would lose the
+// half of the day where a locale has no words for it.
+void keep_formats() {
+    std::setlocale(LC_NUMERIC, "C");
+    std::setlocale(LC_TIME, "C");
 }
 
 void look_after_style() {
-    // The numbers in our texts have a decimal point whatever the locale.
-    std::setlocale(LC_NUMERIC, "C");
     if (QApplication::style()->name() == QLatin1String("windows"))
         QApplication::setStyle(QStringLiteral("fusion"));
 }
@@ -98,6 +105,7 @@ int dorn_run(int argc, char** argv, void (*ready)()) {
     QApplication application(qt_argc, argv);
     QApplication::setApplicationName(QStringLiteral("dorn"));
     QGuiApplication::setDesktopFileName(QStringLiteral("dorn"));
+    keep_formats();
     look_after_style();
 
     init(argc, argv);
