@@ -43,7 +43,8 @@ void base_set_window_metrics(const Config* config) {
 void base_get_window_metrics(Config* config) {
     const QWidget* base = qt(w_instance("base"));
     if (base == nullptr) return;
-    const QSize size = base->isMaximized() ? base->normalGeometry().size() : base->size();
+    const bool filling = base->isMaximized() || base->isFullScreen();
+    const QSize size = filling ? base->normalGeometry().size() : base->size();
     config->win_width = size.width();
     config->win_height = size.height();
     const QWidget* panel = qt(w_instance("hotlist_panel"));
