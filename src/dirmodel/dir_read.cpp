@@ -51,7 +51,6 @@ class ReadScope {
   public:
     explicit ReadScope(DirCache* cache) {
         sReading = true;
-        sStopped = false;
         wtimer_attach(&sProgressTimer, kProgressMs, x_print_progress, cache);
     }
     ~ReadScope() {
@@ -196,7 +195,7 @@ int enter(DirStream& stream) {
 }  // namespace
 
 int dir_read(DirCache* cache, DirCompare sort_a, int sort_b) {
-    if (sReading) return -1;
+    if (sReading || sStopped) return -1;
     install_alarm();
     wprintf(w_instance("status1"), "Reading Directory");
     forget_entries(*cache);
@@ -210,8 +209,8 @@ int dir_read(DirCache* cache, DirCompare sort_a, int sort_b) {
     return 0;
 }
 
-void dir_read_stop() {
-    sStopped = true;
+void dir_read_stop(bool stop) {
+    sStopped = stop;
 }
 
 void x_print_progress(Timer*, void* data) {

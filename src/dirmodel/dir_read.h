@@ -19,8 +19,9 @@ namespace dorn {
 /// While one read runs another one is refused (-1, nothing changed).
 int dir_read(DirCache* cache, DirCompare sort_a, int sort_b);
 
-/// Makes a dir_read under way end soon with what it has (the program is closing).
-void dir_read_stop();
+/// Makes a dir_read under way end soon with what it has, and refuses those that come later, as
+/// while one runs (the program is closing). With `stop` false reads run again.
+void dir_read_stop(bool stop = true);
 
 /// How long one entry's status may take, in milliseconds; tests shorten it. Initially 10000.
 extern int gStatusLimitMs;

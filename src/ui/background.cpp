@@ -19,6 +19,11 @@ namespace {
 constexpr qint64 kBackgroundPeriodMs = 16;
 constexpr int kPatienceMs = 50;  // a call that takes no longer is waited for without further ado
 
+// A minimised window counts as shown, a closed one does not.
+bool is_shown(const Widget* widget) {
+    return widget != nullptr && qt(widget)->isVisible();
+}
+
 }  // namespace
 
 void ui_background() {
@@ -34,12 +39,16 @@ bool ui_bounded(std::function<void()> work, int timeout_ms) {
     if (call.done(qMin(kPatienceMs, timeout_ms))) return true;
     Widget* base = w_instance("base");
     const bool block = base != nullptr && !ui_is_blocked(base);
+    const bool shown = is_shown(base);
     if (block) wblock(base, 1);
     QElapsedTimer waited;
     waited.start();
     bool done = false;
-    while (!(done = call.done(kBackgroundPeriodMs)) && waited.elapsed() < timeout_ms - kPatienceMs)
+    while (!(done = call.done(kBackgroundPeriodMs)) &&
+           waited.elapsed() < timeout_ms - kPatienceMs) {
         QCoreApplication::processEvents();
+        if (shown && !is_shown(w_instance("base"))) break;  // closed meanwhile: nobody waits
+    }
     if (block) wblock(base, 0);
     return done;
 }

@@ -13,8 +13,9 @@ namespace dorn {
 void ui_background();
 
 /// Runs `work` on a spare thread and waits for it for at most `timeout_ms`. When it takes longer
-/// than a moment the main window is blocked and the event loop served meanwhile. True when the work
-/// ended in time; else it is left behind, so it must own all it touches.
+/// than a moment the main window is blocked and the event loop served meanwhile; closing that
+/// window ends the wait. True when the work ended in time; else it is left behind, so it must own
+/// all it touches.
 bool ui_bounded(std::function<void()> work, int timeout_ms = 10000);
 
 /// Runs `work` on a spare thread and then `done` on the event loop; `work` must own all it touches.

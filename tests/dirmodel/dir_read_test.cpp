@@ -284,10 +284,12 @@ TEST_F(DirRead, StoppedReadEndsWithWhatItHas) {
     sandbox_.write("slow");
     sHeldBack = true;
     dirstream_set_test_hook(hold_back);
-    headless::on_background(dir_read_stop);
+    headless::on_background([] { dir_read_stop(); });
     EXPECT_LT(read().size(), 21U);
     sHeldBack = false;
     headless::on_background(nullptr);
+    EXPECT_NE(dir_read(&cache_, dir_cmp_name, 1), 0) << "none begins while the program closes";
+    dir_read_stop(false);
     EXPECT_EQ(read().size(), 21U);
 }
 

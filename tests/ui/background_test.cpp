@@ -3,7 +3,9 @@
 #include "ui/qt_widget.h"
 #include "ui/timer.h"
 
+#include <QElapsedTimer>
 #include <QTest>
+#include <QTimer>
 
 #include <atomic>
 #include <gtest/gtest.h>
@@ -101,6 +103,21 @@ TEST(Bounded, ACallThatHangsIsLeftBehind) {
     auto ran = std::make_shared<bool>(false);
     EXPECT_TRUE(ui_bounded([ran] { *ran = true; }));
     EXPECT_TRUE(*ran);
+}
+
+TEST(Bounded, ClosingTheMainWindowEndsTheWait) {
+    QWidget base;
+    base.setObjectName(QStringLiteral("base"));
+    ui_register_instances(&base);
+    base.show();
+    QTimer::singleShot(0, &base, [&base] { base.close(); });
+    auto release = std::make_shared<std::atomic<bool>>(false);
+    QElapsedTimer waited;
+    waited.start();
+    EXPECT_FALSE(ui_bounded([release] { release->wait(false); }, 60000));
+    EXPECT_LT(waited.elapsed(), 30000);
+    release->store(true);
+    release->notify_all();
 }
 
 TEST(Async, WorkRunsElsewhereAndItsEndIsToldHere) {
