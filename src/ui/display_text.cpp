@@ -13,6 +13,11 @@ bool is_direction_override(char16_t c) {
            (c >= 0x2066 && c <= 0x2069);
 }
 
+// The line and the paragraph separator break lines like a newline, which they are not.
+bool is_separator(char16_t c) {
+    return c == 0x2028 || c == 0x2029;
+}
+
 }  // namespace
 
 QString ui_message_text(const char* text) {
@@ -22,7 +27,7 @@ QString ui_message_text(const char* text) {
         const bool control = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
         if (unit == u'\t')
             c = QChar(u'\u21E5');
-        else if ((control && unit != u'\n') || is_direction_override(unit))
+        else if ((control && unit != u'\n') || is_separator(unit) || is_direction_override(unit))
             c = QChar(u'\uFFFD');
     }
     return shown;

@@ -23,6 +23,7 @@ TEST(DisplayText, WhatCouldMisleadIsMadeVisible) {
                                            {"exe\xE2\x80\xAEtxt", "exe\xEF\xBF\xBDtxt"},
                                            {"a\xC2\x85", "a\xEF\xBF\xBD"},
                                            {"two\nlines", "two\u21B5lines"},
+                                           {"two\u2028lines\u2029", "two\uFFFDlines\uFFFD"},
                                            {"<b>&amp;</b>", "<b>&amp;</b>"}})
         EXPECT_EQ(ui_text(row.bytes), QString::fromUtf8(row.shown));
     EXPECT_EQ(ui_label_text("a & b\nc"), QString::fromUtf8("a && b\u21B5"
