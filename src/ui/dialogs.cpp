@@ -118,7 +118,10 @@ void wfocus(Widget* widget) {
 
 void misc_give_focus(Widget* widget) {
     if (widget == nullptr) return;
-    if (QWidget* base = qt(w_instance("base")); base != nullptr && !base->isActiveWindow()) {
+    // A re-read while an alert is up must not take the keyboard from it.
+    const bool free = QApplication::activeModalWidget() == nullptr;
+    QWidget* base = qt(w_instance("base"));
+    if (free && base != nullptr && !base->isActiveWindow()) {
         base->raise();
         base->activateWindow();
     }
