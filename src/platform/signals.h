@@ -1,6 +1,6 @@
 // The process's signals, brought into the event loop.
 //
-// SIGTERM, SIGHUP, SIGINT, SIGQUIT and SIGWINCH write their number to a pipe that the event loop
+// SIGTERM, SIGHUP, SIGINT, SIGQUIT and SIGWINCH are noted and wake the event loop by a pipe that it
 // reads; SIGCHLD, SIGPIPE and SIGXFSZ are ignored; SIGALRM has an empty handler, without
 // SA_RESTART, that only makes a blocked status call return. Other threads run with all signals
 // blocked (SignalsBlocked below), so these reach the event-loop thread alone.
@@ -14,7 +14,8 @@ namespace dorn {
 /// watch for reading (non-blocking, owned here), or -1 when no pipe could be made.
 int signals_install();
 
-/// The next signal number waiting in the pipe; 0 when there is none.
+/// The lowest number of a signal that waits, which is then taken; 0 when there is none. A signal
+/// that came several times waits once.
 int signals_take();
 
 /// Blocks every signal for the calling thread while it lives; a thread made inside inherits that.
