@@ -60,8 +60,7 @@ int refresh_once() {
     const bool same_directory = !gDir->path.empty() && last_path == gDir->path;
     const std::string name = name_to_return_to(same_directory);
     last_path = gDir->path;
-    Widget* base = w_instance("base");
-    wblock(base, 1);
+    const ScopedBlock block(w_instance("base"));
     fl_timer_disable();
     dir_read(gDir, fl_sort_function(), fl_sort_order());
     gDir->n_selected = 0;
@@ -69,7 +68,6 @@ int refresh_once() {
     if (!same_directory && gPane.view != nullptr) gPane.view->set_first_visible_row(0);
     fl_update();
     place_after_read(name, same_directory);
-    wblock(base, 0);
     return show_idle_status();
 }
 

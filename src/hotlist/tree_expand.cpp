@@ -37,23 +37,21 @@ bool sStopped = false;
 
 void x_tree_expand_progress(Timer*, void*) {}
 
-// Blocks "base", unless it is, and runs the wait timer until the end of the scope.
+// Blocks "base" and runs the wait timer until the end of the scope.
 class ExpandWait {
   public:
-    ExpandWait() : block_(!ui_is_blocked(w_instance("base"))) {
-        if (block_) wblock(w_instance("base"), 1);
+    ExpandWait() : block_(w_instance("base")) {
         wtimer_attach(&sWaitTimer, kProgressMs, x_tree_expand_progress, nullptr);
     }
     ~ExpandWait() {
         wtimer_trigger(&sWaitTimer);
         wtimer_detach(&sWaitTimer);
-        if (block_) wblock(w_instance("base"), 0);
     }
     ExpandWait(const ExpandWait&) = delete;
     ExpandWait& operator=(const ExpandWait&) = delete;
 
   private:
-    bool block_;
+    ScopedBlock block_;
 };
 
 // The subdirectory that `entry` is, if it is one to be listed.

@@ -37,10 +37,8 @@ void ui_background() {
 bool ui_bounded(std::function<void()> work, int timeout_ms) {
     SpareCall call(std::move(work));
     if (call.done(qMin(kPatienceMs, timeout_ms))) return true;
-    Widget* base = w_instance("base");
-    const bool block = base != nullptr && !ui_is_blocked(base);
-    const bool shown = is_shown(base);
-    if (block) wblock(base, 1);
+    const bool shown = is_shown(w_instance("base"));
+    const ScopedBlock block(w_instance("base"));
     QElapsedTimer waited;
     waited.start();
     bool done = false;
@@ -49,7 +47,6 @@ bool ui_bounded(std::function<void()> work, int timeout_ms) {
         QCoreApplication::processEvents();
         if (shown && !is_shown(w_instance("base"))) break;  // closed meanwhile: nobody waits
     }
-    if (block) wblock(base, 0);
     return done;
 }
 

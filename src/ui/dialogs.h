@@ -35,10 +35,10 @@ void misc_block(Widget* widget, int on);
 /// Whether the widget is blocked by wblock or misc_block.
 bool ui_is_blocked(const Widget* widget);
 
-/// A wblock that ends with the scope.
+/// A wblock that ends with the scope; inside another one it leaves the widget blocked.
 class ScopedBlock {
   public:
-    explicit ScopedBlock(Widget* widget) : widget_(widget) {
+    explicit ScopedBlock(Widget* widget) : widget_(ui_is_blocked(widget) ? nullptr : widget) {
         wblock(widget_, 1);
     }
     ~ScopedBlock() {

@@ -177,9 +177,11 @@ TEST_F(BlockTest, AnAcceleratorOfABlockedWindowDoesNotRun) {
     EXPECT_EQ(runs, 1);
     {
         const ScopedBlock blocked(handle(&window_));
+        { const ScopedBlock within(handle(&window_)); }
         QTest::keyClick(window_.windowHandle(), Qt::Key_F5);
     }
     EXPECT_EQ(runs, 1);
+    EXPECT_FALSE(ui_is_blocked(handle(&window_)));
 }
 
 TEST(FindChildClass, LooksThroughTheWholeTree) {
