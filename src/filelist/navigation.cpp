@@ -37,6 +37,11 @@ std::string pop_head(PathHistory& history) {
     return path;
 }
 
+// A refused step has used up its entry all the same, which no rebuild of the rows tells.
+void revisit(const std::string& path) {
+    if (fl_setpath(path.c_str()) == -1) fl_notify();
+}
+
 enum class PathState { NotFound, NoDirectory, NoAccess, Fine };
 
 PathState path_state_here(const std::string& path) {
@@ -76,7 +81,8 @@ bool is_selected(int32_t index) {
 std::optional<std::string> x_check_path(const char* path) {
     if (path == nullptr) return std::nullopt;
     // The working directory is the shown one, so a relative path is relative to that.
-    std::string full = path[0] == '/' ? path : es_construct_fullpath(fl_cache().path.c_str(), path);
+    const bool relative = path[0] != '/' && path[0] != '\0';
+    std::string full = relative ? es_construct_fullpath(fl_cache().path.c_str(), path) : path;
     full = es_strip_pathname(std::move(full));
     if (full == fl_cache().path) return std::nullopt;
     const PathState state = path_state(full);
@@ -102,14 +108,14 @@ int _new_path(const char* path) {
 void fl_back() {
     if (backward_history.empty()) return;
     x_history_push(forward_history, gDir->path);
-    fl_setpath(pop_head(backward_history).c_str());
+    revisit(pop_head(backward_history));
 }
 
 void fl_forward() {
     // The push comes first even when there is nowhere to go.
     x_history_push(backward_history, gDir->path);
     if (forward_history.empty()) return;
-    fl_setpath(pop_head(forward_history).c_str());
+    revisit(pop_head(forward_history));
 }
 
 int fl_get_back_count() {

@@ -1,5 +1,6 @@
 #include "filelist/navigation.h"
 
+#include "app/base.h"
 #include "filelist/filelist.h"
 #include "filelist/pane.h"
 #include "support_gui/window_test.h"
@@ -102,9 +103,11 @@ TEST_F(Navigation, RefusedMovesSayWhyAndChangeNothing) {
     EXPECT_EQ(go(before + "//"), -1);
     EXPECT_EQ(gDir->path, before);
     EXPECT_EQ(fl_get_back_count(), steps);
-    ASSERT_EQ(alerts.messages().size(), 2u);
+    EXPECT_EQ(go(""), -1);
+    ASSERT_EQ(alerts.messages().size(), 3u);
     EXPECT_EQ(alerts.messages()[0], "Error: Directory '" + in_sandbox("missing") + "', not found");
     EXPECT_EQ(alerts.messages()[1], "Error: Path '" + in_sandbox("file") + "' not found");
+    EXPECT_EQ(alerts.messages()[2], "Error: Directory '', not found");
 }
 
 TEST_F(Navigation, VanishedHistoryEntryIsConsumed) {
@@ -114,7 +117,11 @@ TEST_F(Navigation, VanishedHistoryEntryIsConsumed) {
     ASSERT_EQ(go(in_sandbox("here")), 0);
     rmdir(in_sandbox("gone").c_str());
     const AlertAnswer alerts;
+    static int told = 0;
+    fl_set_notify_cb([] { ++told; });
     fl_back();
+    fl_set_notify_cb(base_update);
+    EXPECT_EQ(told, 1) << "the buttons for back and forward follow";
     EXPECT_EQ(alerts.messages().size(), 1u);
     EXPECT_EQ(gDir->path, in_sandbox("here"));
     fl_back();
