@@ -134,6 +134,10 @@ void ListView::mouseReleaseEvent(QMouseEvent* event) {
 
 void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
+    if (event->modifiers().testAnyFlags(Qt::ControlModifier | Qt::ShiftModifier)) {
+        press_select_button(event);  // one more change of the selection, which opens nothing
+        return;
+    }
     select_on_release_ = false;
     sweeping_ = false;
     const int row = row_at(event->position().toPoint());

@@ -14,6 +14,7 @@ namespace dorn {
 
 namespace {
 
+constexpr int kNarrowest = 1;    // pixels; no wider than a header button may be
 constexpr int kLinkWidth = 150;  // pixels; the one column whose width is not kept
 
 }  // namespace
@@ -31,14 +32,20 @@ ListView::ListView(QWidget* parent) : QTreeView(parent) {
     setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     setAutoScroll(false);
     setItemDelegate(new RowDelegate(this));
-    header()->setMinimumSectionSize(8);
+    header()->setMinimumSectionSize(kNarrowest);
     header()->setStretchLastSection(false);
 }
 
 void ListView::setModel(QAbstractItemModel* model) {
     QTreeView::setModel(model);
     for (int column = 1; column <= kColumns; ++column)
-        header()->resizeSection(column - 1, qMax(fl_get_column_width(column), 8));
+        header()->resizeSection(column - 1, qMax(fl_get_column_width(column), kNarrowest));
+}
+
+void ListView::reset() {
+    QTreeView::reset();
+    sweeping_ = false;
+    select_on_release_ = false;
 }
 
 void ListView::attach_header() {

@@ -25,6 +25,8 @@ class ListView : public QTreeView {
     int natural_width(int column) const;
 
     void setModel(QAbstractItemModel* model) override;
+    /// The rows are others from here on: what the held select button was about has ended.
+    void reset() override;
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;

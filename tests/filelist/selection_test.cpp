@@ -23,6 +23,11 @@ class Selection : public WindowTest {
         sandbox_.mkdir("d");
         WindowTest::SetUp();
     }
+
+    static QPoint at(const char* name) {
+        const int row = fl_row_of(index_of(name));
+        return {30, gPane.view->visualRect(gPane.view->model()->index(row, 0)).center().y()};
+    }
 };
 
 TEST_F(Selection, CountsFollowEveryOperation) {
@@ -72,11 +77,24 @@ TEST_F(Selection, MouseSelectsTogglesAndExtends) {
     EXPECT_EQ(gDir->current, -1);
 }
 
+TEST_F(Selection, ADoubleClickThatAddsToTheSelectionOpensNothing) {
+    const std::string before = gDir->path;
+    click("d", Qt::ControlModifier, true);
+    EXPECT_EQ(gDir->path, before);
+    click("d", Qt::NoModifier, true);
+    EXPECT_EQ(gDir->path, before + "/d");
+}
+
+TEST_F(Selection, ARebuildEndsWhatTheHeldButtonIsAbout) {
+    click("abc");
+    QTest::mousePress(gPane.view->viewport(), Qt::LeftButton, Qt::NoModifier, at("abc"));
+    fl_refresh();
+    fl_select_all();
+    QTest::mouseRelease(gPane.view->viewport(), Qt::LeftButton, Qt::NoModifier, at("abc"));
+    EXPECT_EQ(gDir->n_selected, gDir->count);
+}
+
 TEST_F(Selection, SweepingSelectsARange) {
-    auto at = [](const char* name) {
-        const int row = fl_row_of(index_of(name));
-        return QPoint(30, gPane.view->visualRect(gPane.view->model()->index(row, 0)).center().y());
-    };
     QWidget* list = gPane.view->viewport();
     QTest::mousePress(list, Qt::LeftButton, Qt::NoModifier, at("abc"));
     QMouseEvent move(QEvent::MouseMove, at("c.c"), list->mapToGlobal(at("c.c")), Qt::NoButton,
