@@ -12,7 +12,21 @@ constexpr std::array<const char*, kRowImages> kImageNames = {
     "linked_file",    "linked_exec",  "parent", "image_broken_link",
     "image_file_cut", "image_dir_cut"};
 
+// What the pictures say, for those who don't see them.
+constexpr std::array<const char*, kRowImages> kKinds = {"folder",         "file",
+                                                        "program",        "link to a folder",
+                                                        "link to a file", "link to a program",
+                                                        "parent folder",  "broken link",
+                                                        "cut file",       "cut folder"};
+
 constexpr int kSizeColumn = 2;
+
+QString description(const ListRow& row) {
+    const QString kind = QLatin1String(kKinds[row.image]);
+    const bool selected = row.index >= 0 && row.index < gDir->count &&
+                          (gDir->entries[row.index]->flags & kEntrySelected) != 0;
+    return selected ? kind + QStringLiteral(", selected") : kind;
+}
 
 }  // namespace
 
@@ -43,6 +57,8 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
         case Qt::AccessibleTextRole:
             return ui_text(fl_column_text(row.index, column).c_str());
+        case Qt::AccessibleDescriptionRole:
+            return column == 1 ? description(row) : QString();
         case Qt::DecorationRole:
             return column == 1 ? QVariant(icons_[row.image]) : QVariant();
         case Qt::TextAlignmentRole:

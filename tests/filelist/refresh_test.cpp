@@ -51,6 +51,10 @@ TEST_F(Refresh, EveryKindOfEntryHasItsPicture) {
     EXPECT_EQ(row_name(0), "..");
     EXPECT_EQ(gPane.rows[0].image, kImageParent);
     EXPECT_EQ(fl_column_text(index_of("broken"), 7), "nowhere");
+    fl_select_index(index_of("ldir"));
+    const QModelIndex row = gPane.model->index(fl_row_of(index_of("ldir")), 0);
+    EXPECT_EQ(row.data(Qt::AccessibleDescriptionRole).toString().toStdString(),
+              "link to a folder, selected");
 
     fl_set_cut_cb(
         [](const char* directory, const char* name) {
