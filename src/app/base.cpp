@@ -23,6 +23,14 @@ int base_window_closed = 0;
 
 namespace {
 
+bool sSignalled = false;  // the re-read under way was asked for by a signal
+
+// Whether the keyboard is in one of the main window's text fields.
+bool is_typing() {
+    const QWidget* base = qt(w_instance("base"));
+    return base != nullptr && dynamic_cast<QComboBox*>(base->focusWidget()) != nullptr;
+}
+
 const char* config_directory() {
     return gConfigPath == nullptr ? nullptr : gConfigPath->c_str();
 }
@@ -78,9 +86,19 @@ int base_opening() {
 
 void base_update() {
     status_bar_update();
-    tb_curpath_set_text(gDir->path.c_str());
+    // A re-read that another process asked for leaves a half-typed path, and the keyboard, alone.
+    if (!sSignalled || !is_typing()) {
+        tb_curpath_set_text(gDir->path.c_str());
+        misc_give_focus(w_instance("filelist"));
+    }
     tb_update();
-    misc_give_focus(w_instance("filelist"));
+}
+
+void signal_refresh() {
+    if (base_window_closed != 0) return;
+    sSignalled = true;
+    fl_refresh();
+    sSignalled = false;
 }
 
 void init_link() {

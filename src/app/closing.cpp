@@ -41,10 +41,6 @@ int fm_exit() {
     return 0;
 }
 
-void signal_refresh() {
-    if (base_window_closed == 0) fl_refresh();
-}
-
 void signal_terminate() {
     base_closing();
     QApplication::quit();

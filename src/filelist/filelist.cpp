@@ -51,7 +51,7 @@ void place_after_read(const std::string& name, bool same_directory) {
 // Nothing to tell, or why the list is empty or short.
 int show_idle_status() {
     Widget* status1 = w_instance("status1");
-    if (gDir->read_error == 0) return wprintf(status1, "%s", "");
+    if (gDir->read_error == 0 || gDir->path.empty()) return wprintf(status1, "%s", "");
     return wprintf(status1, "Cannot access directory '%s': %s",
                    fname_decode(gDir->path.c_str(), nullptr), std::strerror(gDir->read_error));
 }

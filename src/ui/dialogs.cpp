@@ -118,8 +118,9 @@ void wfocus(Widget* widget) {
 
 void misc_give_focus(Widget* widget) {
     if (widget == nullptr) return;
-    // A re-read while an alert is up must not take the keyboard from it.
-    const bool free = QApplication::activeModalWidget() == nullptr;
+    // The keyboard is never taken from an alert, nor from another program that the user works in.
+    const bool free = QApplication::activeModalWidget() == nullptr &&
+                      QGuiApplication::applicationState() == Qt::ApplicationActive;
     QWidget* base = qt(w_instance("base"));
     if (free && base != nullptr && !base->isActiveWindow()) {
         base->raise();

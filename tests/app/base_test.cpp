@@ -1,0 +1,30 @@
+#include "app/base.h"
+
+#include "dirmodel/dir_entry.h"
+#include "support_gui/window_test.h"
+#include "ui/qt_widget.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+
+namespace dorn {
+namespace {
+
+class Base : public WindowTest {};
+
+TEST_F(Base, ASignalledRereadLeavesAHalfTypedPathAlone) {
+    auto* field = qt_instance<QComboBox>("tb_curpath");
+    field->lineEdit()->setFocus();
+    field->setEditText(QStringLiteral("/half/ty"));
+    sandbox_.write("made elsewhere");
+    signal_refresh();
+    EXPECT_EQ(gDir->count, 1);
+    EXPECT_EQ(field->currentText(), QStringLiteral("/half/ty"));
+    EXPECT_EQ(window_->focusWidget(), field);
+    qt(w_instance("filelist"))->setFocus();
+    signal_refresh();
+    EXPECT_EQ(field->currentText(), QString::fromUtf8(sandbox_.path()));
+}
+
+}  // namespace
+}  // namespace dorn
