@@ -14,6 +14,7 @@
 #include "ui/dialogs.h"
 #include "ui/qt_widget.h"
 
+#include <QApplication>
 #include <QComboBox>
 
 namespace dorn {
@@ -25,10 +26,12 @@ namespace {
 
 bool sSignalled = false;  // the re-read under way was asked for by a signal
 
-// Whether the keyboard is in one of the main window's text fields.
-bool is_typing() {
+// Whether the user is at work elsewhere than in the panes: in a text field of the main window, in a
+// dialog, in another program.
+bool is_elsewhere() {
     const QWidget* base = qt(w_instance("base"));
-    return base != nullptr && dynamic_cast<QComboBox*>(base->focusWidget()) != nullptr;
+    if (base == nullptr || QApplication::activeWindow() != base) return true;
+    return dynamic_cast<QComboBox*>(base->focusWidget()) != nullptr;
 }
 
 const char* config_directory() {
@@ -87,7 +90,7 @@ int base_opening() {
 void base_update() {
     status_bar_update();
     // A re-read that another process asked for leaves a half-typed path, and the keyboard, alone.
-    if (!sSignalled || !is_typing()) {
+    if (!sSignalled || !is_elsewhere()) {
         tb_curpath_set_text(gDir->path.c_str());
         misc_give_focus(w_instance("filelist"));
     }

@@ -4,6 +4,7 @@
 #include "support_gui/window_test.h"
 #include "ui/qt_widget.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 
@@ -12,7 +13,7 @@ namespace {
 
 class Base : public WindowTest {};
 
-TEST_F(Base, ASignalledRereadLeavesAHalfTypedPathAlone) {
+TEST_F(Base, ASignalledRereadLeavesTheUserWhereTheyWork) {
     auto* field = qt_instance<QComboBox>("tb_curpath");
     field->lineEdit()->setFocus();
     field->setEditText(QStringLiteral("/half/ty"));
@@ -21,7 +22,14 @@ TEST_F(Base, ASignalledRereadLeavesAHalfTypedPathAlone) {
     EXPECT_EQ(gDir->count, 1);
     EXPECT_EQ(field->currentText(), QStringLiteral("/half/ty"));
     EXPECT_EQ(window_->focusWidget(), field);
+
     qt(w_instance("filelist"))->setFocus();
+    QWidget dialog;
+    dialog.show();
+    QApplication::setActiveWindow(&dialog);
+    signal_refresh();
+    EXPECT_EQ(QApplication::activeWindow(), &dialog);
+    QApplication::setActiveWindow(window_);
     signal_refresh();
     EXPECT_EQ(field->currentText(), QString::fromUtf8(sandbox_.path()));
 }
