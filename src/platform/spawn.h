@@ -1,0 +1,35 @@
+// Starting programs without waiting for them and without leaving zombies.
+//
+// Children get default signal dispositions, an empty signal mask, the program's environment and no
+// descriptor beyond the three standard ones. No copy of the address space is made, so starting
+// costs the same however large the program is. Any thread.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace dorn {
+
+/// The program that an Orrin path or a bare name stands for: an absolute path that is executable is
+/// taken as it is; one under /usr/orrin/bin that is not there is looked up by its last component
+/// along PATH, "dorn" being the running executable; a name without "/" is looked up along PATH.
+/// Empty when there is none.
+std::string orrin_program(const std::string& program);
+
+/// Appends the folder of the adaptor programs to PATH, so that a real command of such a name wins.
+/// The folder is the one of the build tree when the running executable lies in it, else the
+/// installation's libexec folder beside it. Called once at start-up.
+void orrin_append_adaptors_to_path();
+
+/// What a child's standard descriptors are; -1 leaves ours.
+struct SpawnFiles {
+    int input = -1;
+    int output = -1;
+};
+
+/// Starts the executable `path` with `arguments` (the first is its name). Returns the process id,
+/// or -1 with errno set.
+int spawn_program(const std::string& path, const std::vector<std::string>& arguments,
+                  const SpawnFiles& files = {});
+
+}  // namespace dorn
