@@ -243,6 +243,8 @@ TEST_F(Start, ConfigurationDirectoryDoesNotFollowTheWorkingOne) {
 TEST_F(Start, WindowChangeSignalsRereadAndNeverEndIt) {
     Process dorn({shown_}, environment_, sandbox_.file("errors"));
     ASSERT_TRUE(dorn.wait_until_shown(shown_));
+    EXPECT_EQ(read_file("/proc/" + std::to_string(dorn.pid()) + "/comm"), "dorn\n")
+        << "the name that the broadcast after a file operation goes to";
     for (int i = 0; i < 200; ++i)
         kill(dorn.pid(), SIGWINCH);
     kill(dorn.pid(), SIGCHLD);
