@@ -1,12 +1,14 @@
 #include "app/init.h"
 
 #include "app/base.h"
+#include "assoc/engine/association.h"
 #include "config/config.h"
 #include "config/history.h"
 #include "dirmodel/dir_read.h"
 #include "dirmodel/name_translation.h"
 #include "dirmodel/path_text.h"
 #include "platform/spare_thread.h"
+#include "platform/spawn.h"
 
 #include <array>
 #include <cerrno>
@@ -81,6 +83,7 @@ std::string init_config_directory(const char* home) {
 
 int init(int argc, char** argv) {
     setpgid(0, 0);
+    orrin_append_adaptors_to_path();
     gStartPath = init_start_path(argc, argv);
 
     static std::string sConfigPath;
@@ -92,6 +95,7 @@ int init(int argc, char** argv) {
     const uint32_t encoding = config_load(*gConfig, directory, "config.003");
     fname_set_translation(encoding, gConfig->alt_encoding);
     init_read_cboxs(directory);
+    init_read_associations(directory, "associate.003");
     return 0;
 }
 

@@ -1,12 +1,13 @@
 // Everything before the main window opens: start path, configuration directory and record,
-// file-name translation, input histories.
+// file-name translation, input histories, associations, the way to the adaptor programs.
 #pragma once
 
 #include <string>
 
 namespace dorn {
 
-/// Does all of it. Returns 0; what fails is told on standard error and the program goes on.
+/// Does all of it. Returns 0; what fails is told on standard error and the program goes on,
+/// except after a damaged association file (see init_read_associations).
 int init(int argc, char** argv);
 
 /// The directory to show first: the first argument that does not begin with "-" when it is a

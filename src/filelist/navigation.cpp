@@ -4,6 +4,7 @@
 #include "dirmodel/name_translation.h"
 #include "dirmodel/path_text.h"
 #include "filelist/list_view.h"
+#include "filelist/open_file.h"
 #include "filelist/pane.h"
 #include "filelist/selection.h"
 #include "ui/background.h"
@@ -22,8 +23,6 @@ constexpr std::size_t kHistoryDepth = 10;
 using PathHistory = std::deque<std::string>;  // the most recent path first
 PathHistory backward_history;
 PathHistory forward_history;
-
-void (*sOpenFile)(int32_t index) = nullptr;
 
 void x_history_push(PathHistory& history, const std::string& path) {
     if (path.empty() || (!history.empty() && history.front() == path)) return;
@@ -159,13 +158,9 @@ int fl_open(int32_t index) {
     if (index < 0 || index >= fl_cache().count) return -1;
     if (is_directory(*gDir->entries[index]))
         fl_newpath(nullptr, fl_get_fullpath(index).c_str());
-    else if (sOpenFile != nullptr)
-        sOpenFile(index);
+    else
+        open_file(index);
     return 0;
-}
-
-void fl_set_opener(void (*open_file)(int32_t index)) {
-    sOpenFile = open_file;
 }
 
 void fl_open_selection() {

@@ -27,13 +27,13 @@ void fl_up();
 /// Enters the current entry.
 void fl_down();
 
-/// Opens the entry: -1 is the parent row; a directory is entered; a file is handed to the opener.
+/// Opens the entry: -1 is the parent row; a directory is entered; a file by open_file.
 /// 0, or -1 for index -2.
 int fl_open(int32_t index);
 
-/// What opens the file `index`, which is no directory; null (the start): no file has an
-/// association, so opening one does nothing.
-void fl_set_opener(void (*open_file)(int32_t index));
+/// Opens the selection: without one, the current entry; nothing with two or more directories; else
+/// each selected file in list order and then the selected directory.
+void fl_open_selection();
 
 /// The current path, a "/" unless it ends in one, and the entry's name.
 std::string fl_get_fullpath(int32_t index);

@@ -40,10 +40,6 @@ int32_t fl_place_current(int32_t index, bool scroll);
 /// selected, nothing else unless `keep` is set.
 void fl_select_rows(int first, int last, bool keep);
 
-/// Opens the selection: without one, the current entry; nothing with two or more directories; else
-/// each selected file in list order and then the selected directory.
-void fl_open_selection();
-
 /// Holds back the status line and the repaint while it lives, so that a change of many entries
 /// costs one of each.
 class SelectionBatch {

@@ -1,5 +1,6 @@
 #include "filelist/typeahead.h"
 
+#include "assoc/engine/command.h"
 #include "filelist/navigation.h"
 #include "filelist/pane.h"
 #include "filelist/selection.h"
@@ -19,7 +20,6 @@ constexpr uint32_t kLastSymbol = 122;
 char sState = 0;          // 0: idle, '/' and '?': search, ':': a command
 std::string sBuffer;      // the typed text
 std::string sLastSearch;  // the last search confirmed with Enter
-int (*sRun)(const char* command) = nullptr;
 
 uint32_t search_flags() {
     return sState == '?' ? kFindPrefix | kFindBackward : kFindPrefix;
@@ -41,7 +41,7 @@ int confirm() {
     if (sState == ':') {
         const std::string command = std::move(sBuffer);
         interp_reset();
-        if (sRun != nullptr) sRun(command.c_str());
+        misc_run(0, 1, command.c_str());
         return -1;
     }
     if (!sBuffer.empty()) sLastSearch = sBuffer;
@@ -106,10 +106,6 @@ void interp_reset() {
 
 bool interp_active() {
     return sState != 0;
-}
-
-void interp_set_runner(int (*run)(const char* command)) {
-    sRun = run;
 }
 
 }  // namespace dorn

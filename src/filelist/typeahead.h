@@ -1,5 +1,6 @@
-// Keys typed into the list: search forward "/", search backward "?", a command ":". Typed text is
-// echoed in the status line. Event-loop thread only.
+// Keys typed into the list: search forward "/", search backward "?", a command ":" that
+// is run in a terminal window which stays open after it. Typed text is echoed in the status line.
+// Event-loop thread only.
 #pragma once
 
 #include "ui/key_event.h"
@@ -18,8 +19,5 @@ void interp_reset();
 
 /// Whether a state is set, that is, whether Backspace and Escape are the interpreter's.
 bool interp_active();
-
-/// What runs a ":" command line; null (the start): none can be run.
-void interp_set_runner(int (*run)(const char* command));
 
 }  // namespace dorn

@@ -68,6 +68,8 @@ QList<QKeySequence> accelerator_keys(const MenuItem& item) {
 
 void accelerator_install(const MenuItem& item) {
     if (item.key == nullptr) return;
+    // The list opens its selection itself, once Enter is not wanted by what is being typed.
+    if (qstrcmp(item.key, "Ret") == 0 && item.modifiers == 0) return;
     const NamedKey* named = find_key(item.key);
     const bool in_list = named != nullptr && named->in_list_only;
     QWidget* owner = qt(w_instance(in_list ? "filelist" : "base"));

@@ -8,7 +8,23 @@ class QMenu;
 
 namespace dorn {
 
-/// File: re-reads the shown directory.
+/// File: opens the selection as Enter does. View and Edit run the first matching association's
+/// command for each selected file: a file without a view command is left out, one without an edit
+/// command gets the configured editor.
+int fm_open();
+int fm_view();
+int fm_edit();
+/// Opens another window of the program: on the selected directory when nothing else is selected, or
+/// on the shown one.
+int fm_open_another();
+int fm_new_window();
+/// Starts the configured terminal.
+int fm_open_orterm();
+/// Runs the configured print command for the selection and says so in the status line.
+int fm_print();
+/// Does nothing.
+int fm_print_directory();
+/// Re-reads the shown directory.
 int fm_refresh();
 
 /// Edit: change the selection, then give the list the focus.

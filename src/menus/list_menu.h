@@ -20,6 +20,10 @@ struct ListMenuFacts {
 /// start): no file has a command and the clipboard no list.
 void lcm_set_facts_cb(void (*complete)(ListMenuFacts* facts));
 
+/// Such a function: notes whether every selected file has an open, view and edit command. Called
+/// with the counts of the selection filled in.
+void lcm_look_at_associations(ListMenuFacts* facts);
+
 /// Empties `menu` and fills it for the selection.
 void lcm_setup(QMenu* menu);
 

@@ -24,6 +24,14 @@ struct OwnCommand {
 };
 
 constexpr auto kOwnCommands = std::to_array<OwnCommand>({
+    {"fm_open", fm_open},
+    {"fm_open_another", fm_open_another},
+    {"fm_new_window", fm_new_window},
+    {"fm_view", fm_view},
+    {"fm_edit", fm_edit},
+    {"fm_open_orterm", fm_open_orterm},
+    {"fm_print", fm_print},
+    {"fm_print_directory", fm_print_directory},
     {"fm_refresh", fm_refresh},
     {"em_select_all", em_select_all},
     {"em_unselect_all", em_unselect_all},
@@ -43,6 +51,7 @@ void register_own_commands() {
     for (const OwnCommand& own : kOwnCommands)
         menus_register(own.name, own.command);
     menus_register_generator("hm_populate", hm_populate);
+    lcm_set_facts_cb(lcm_look_at_associations);
     view_toggles_register();
 }
 

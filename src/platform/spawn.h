@@ -1,8 +1,8 @@
 // Starting programs without waiting for them and without leaving zombies.
 //
-// Children get default signal dispositions, an empty signal mask, the program's environment and no
-// descriptor beyond the three standard ones. No copy of the address space is made, so starting
-// costs the same however large the program is. Any thread.
+// Children get default signal dispositions, an empty signal mask, a process group of their own, the
+// program's environment and no descriptor beyond the three standard ones. No copy of the address
+// space is made, so starting costs the same however large the program is. Any thread.
 #pragma once
 
 #include <string>
@@ -16,9 +16,13 @@ namespace dorn {
 /// Empty when there is none.
 std::string orrin_program(const std::string& program);
 
+/// The executable file `name` in the first of the colon-separated `folders` that has it (an empty
+/// one is the working directory); empty when none has.
+std::string find_program(const std::string& name, const std::string& folders);
+
 /// Appends the folder of the adaptor programs to PATH, so that a real command of such a name wins.
-/// The folder is the one of the build tree when the running executable lies in it, else the
-/// installation's libexec folder beside it. Called once at start-up.
+/// The folder is the installation's libexec folder beside the running executable's, or orrin/ there
+/// when that is a build tree's. Without one PATH stays. Called once at start-up.
 void orrin_append_adaptors_to_path();
 
 /// What a child's standard descriptors are; -1 leaves ours.

@@ -1,15 +1,20 @@
 #include "filelist/navigation.h"
 
 #include "app/base.h"
+#include "assoc/engine/association.h"
 #include "filelist/filelist.h"
 #include "filelist/pane.h"
+#include "support/fake_programs.h"
 #include "support_gui/window_test.h"
 
 #include <QApplication>
 #include <QMessageBox>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <sys/stat.h>
 #include <vector>
 
 namespace dorn {
@@ -152,21 +157,47 @@ TEST_F(Navigation, EnterTakesTheSelectedDirectoryWhicheverEntryIsCurrent) {
     sandbox_.mkdir("two");
     sandbox_.write("zfile");
     show_sandbox();
-    std::vector<int32_t> opened;
-    static std::vector<int32_t>* sOpened;
-    sOpened = &opened;
-    fl_set_opener([](int32_t index) { sOpened->push_back(index); });
+    const FakePrograms fakes;
+    fakes.add("show");
+    apat = {
+        {"z*", "show one", "", ""}, {"y*", "show two", "", ""}, {"^*FILE", "show three", "", ""}};
     click("one");
     click("zfile", Qt::ControlModifier);
     press(Qt::Key_Return);
-    fl_set_opener(nullptr);
-    EXPECT_EQ(opened, std::vector<int32_t>{2});
+    FakePrograms::wait();
+    const FakePrograms::Runs every_match{{"one", "zfile"}, {"three", "zfile"}};
+    EXPECT_EQ(fakes.runs("show"), every_match);
     EXPECT_EQ(gDir->path, in_sandbox("one"));
     fl_up();
     click("one");
     click("two", Qt::ControlModifier);
     press(Qt::Key_Return);
     EXPECT_EQ(gDir->path, sandbox_.path());
+    apat.clear();
+}
+
+TEST_F(Navigation, AnExecutableFileWithoutAnAssociationIsRunWhateverItsName) {
+    const FakePrograms fakes;
+    const std::vector<std::string> names{"plain-1.0", "a b",          "it's",
+                                         "-x",        "$(touch bad)", "a;touch bad",
+                                         "new\nline", "`touch bad`",  "\xff"};
+    for (const std::string& name : names) {
+        sandbox_.write(name, "#!/bin/sh\necho run >>done\n");
+        chmod(in_sandbox(name).c_str(), 0755);
+    }
+    sandbox_.write("data", "#!/bin/sh\ntouch bad\n");
+    chmod(in_sandbox("data").c_str(), 0655);  // others may execute it, its owner may not
+    show_sandbox();
+    for (const std::string& name : names)
+        fl_open(index_of(name));
+    fl_open(index_of("data"));
+    FakePrograms::wait();
+    EXPECT_EQ(std::filesystem::file_size(in_sandbox("done")), 4 * names.size());
+    EXPECT_FALSE(std::filesystem::exists(in_sandbox("bad")));
+    const FakePrograms::Runs runs = fakes.runs("orterm");
+    EXPECT_EQ(runs.size(), names.size());
+    const std::vector<std::string> plain{"-U", "/bin/sh", "-c", "./plain-1.0"};
+    EXPECT_EQ(std::count(runs.begin(), runs.end(), plain), 1);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "filelist/navigation.h"
 #include "filelist/pane.h"
 #include "filelist/typeahead.h"
+#include "support/fake_programs.h"
 #include "support_gui/window_test.h"
 #include "ui/qt_widget.h"
 
@@ -170,19 +171,17 @@ TEST_F(Selection, EnterConfirmsASearchAndRepeatsTheLastOne) {
     EXPECT_EQ(gDir->path, sandbox_.path());
 }
 
-TEST_F(Selection, ACommandLineIsHandedOverAndSearchesNothing) {
-    static std::string sCommand;
-    interp_set_runner([](const char* command) {
-        sCommand = command;
-        return 0;
-    });
+TEST_F(Selection, ACommandLineIsRunInATerminalThatStaysAndSearchesNothing) {
+    const FakePrograms fakes;
+    fakes.add("d");
     click("abc");
     type(":d /x:y");
     EXPECT_EQ(selected(), "abc");
     EXPECT_EQ(text_of("status1"), ":d /x:y");
     press(Qt::Key_Return);
-    interp_set_runner(nullptr);
-    EXPECT_EQ(sCommand, "d /x:y");
+    FakePrograms::wait();
+    EXPECT_EQ(fakes.runs("orterm"), (FakePrograms::Runs{{"-zU", "/bin/sh", "-c", "d /x:y"}}));
+    EXPECT_EQ(fakes.runs("d"), (FakePrograms::Runs{{"/x:y"}}));
     EXPECT_FALSE(interp_active());
 }
 

@@ -8,6 +8,7 @@
 // TABs (a row in memory has edit before view). Lines that begin with "#" are comments.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,14 +25,17 @@ struct Association {
 /// The table, in file order. Written by init_read_associations and assoc_replace alone.
 extern std::vector<Association> apat;
 
+/// Bytes of a line that is read as one, its newline included.
+inline constexpr std::size_t kAssocLineSize = 1023;
+
 enum class AssocAction { Open = 0, View = 1, Edit = 2 };
 
 /// Loads the table. A null directory or a file that can't be opened gives the defaults. A line
 /// without a TAB is told in an alert and on standard error, and ends the process with status 1.
 void init_read_associations(const char* directory, const char* file_name);
 
-/// Reads the rows of a file's content into `*rows`, in pieces of at most 1023 bytes a line. 0, or
-/// the ordinal (from 1, comments not counted) of the first line without a TAB.
+/// Reads the rows of a file's content into `*rows`, in pieces of at most kAssocLineSize bytes. 0,
+/// or the ordinal (from 1, comments not counted) of the first line without a TAB.
 int assoc_parse(std::string_view content, std::vector<Association>* rows);
 
 /// The content of the file for these rows: the comment line and one line a row.

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,11 +18,14 @@ std::size_t add_name(std::string* buffer, const std::string& name);
 
 /// The command line: `command` with each "@" replaced by `names` (quoted names, each with a blank
 /// behind it), or with the names appended when it has none. "\@" is an "@", quotes around "@" go.
-std::string command_line(const std::string& command, const std::string& names);
+/// Within other quotes the names' own marks are escaped, so that they stay the text they are.
+/// Nothing when a name holds more than harmless characters and the place of the "@" is one that the
+/// shell reads by further rules (a command in backquotes, quotes within quotes).
+std::optional<std::string> command_line(const std::string& command, const std::string& names);
 
 /// Runs a template for one named file, or for all selected entries of gDir (`name` null). -1 when
-/// it is refused (a directory among the selected ones, nothing selected), 0 for a blank template,
-/// else the result of misc_run.
+/// it is refused (a directory among the selected ones, nothing selected, no command_line), 0 for a
+/// blank template, else the result of misc_run.
 int file_cmd(const char* command, const char* name);
 
 /// Runs a shell command line in a terminal window of its own, kept open after its end when `keep`

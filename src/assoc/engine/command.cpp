@@ -1,0 +1,100 @@
+#include "assoc/engine/command.h"
+
+#include "dirmodel/dir_entry.h"
+#include "platform/spawn.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <optional>
+#include <string_view>
+
+namespace dorn {
+
+namespace {
+
+constexpr const char* kTerminal = "/usr/orrin/bin/orterm";
+constexpr const char* kShell = "/bin/sh";
+constexpr const char* kWhiteSpace = " \t\n\v\f\r";
+
+bool is_selected(const DirEntry& entry) {
+    return (entry.flags & kEntrySelected) != 0;
+}
+
+bool focused_directory_is_refused() {
+    if (gDir == nullptr || gDir->n_selected != 1) return false;
+    if (gDir->current < 0 || gDir->current >= gDir->count) return false;
+    return is_directory(*gDir->entries[gDir->current]);
+}
+
+/// The quoted names of the selected entries in list order; nothing when there are none or a
+/// directory is among them.
+std::optional<std::string> selected_names() {
+    if (gDir == nullptr || gDir->n_selected == 0) return std::nullopt;
+    std::string names;
+    for (int32_t i = 0; i < gDir->count; ++i) {
+        const DirEntry& entry = *gDir->entries[i];
+        if (!is_selected(entry)) continue;
+        if (is_directory(entry)) return std::nullopt;
+        add_name(&names, entry.name);
+    }
+    return names;
+}
+
+std::optional<std::string> names_for(const char* name) {
+    if (name == nullptr) return selected_names();
+    std::string names;
+    add_name(&names, name);
+    return names;
+}
+
+bool is_terminal_command(std::string_view command) {
+    constexpr std::string_view word = "orterm";
+    if (!command.starts_with(word)) return false;
+    return command.size() == word.size() || std::strchr(kWhiteSpace, command[word.size()]);
+}
+
+/// Tells children which input group their windows belong to. The environment is written only when
+/// it changes, for other threads read it when they start programs.
+void set_input_group(int input_group) {
+    const std::string text = std::to_string(input_group);
+    const char* before = std::getenv("ORNIG");
+    if (before == nullptr || text != before) setenv("ORNIG", text.c_str(), 1);
+}
+
+int start(const std::string& path, const std::vector<std::string>& arguments) {
+    return path.empty() || spawn_program(path, arguments) == -1 ? -1 : 0;
+}
+
+}  // namespace
+
+int file_cmd(const char* command, const char* name) {
+    if (focused_directory_is_refused()) return -1;
+    command += std::strspn(command, kWhiteSpace);
+    if (*command == '\0') return 0;
+    try {
+        const std::optional<std::string> names = names_for(name);
+        if (!names) return -1;
+        const std::optional<std::string> line = command_line(command, *names);
+        return line ? misc_run(0, 0, line->c_str()) : -1;
+    } catch (const std::bad_alloc&) {
+        return -1;
+    }
+}
+
+int misc_run(int input_group, int keep, const char* command) {
+    command += std::strspn(command, kWhiteSpace);
+    if (*command == '\0') return -1;
+    set_input_group(input_group);
+    if (is_terminal_command(command))
+        return start(kShell, {"sh", "-c", std::string("exec ") + command + " &"});
+    return start(orrin_program(kTerminal),
+                 {kTerminal, keep != 0 ? "-zU" : "-U", kShell, "-c", command});
+}
+
+int misc_spawn(int, const std::vector<std::string>& arguments) {
+    if (arguments.empty()) return -1;
+    return start(orrin_program(arguments.front()), arguments);
+}
+
+}  // namespace dorn

@@ -1,0 +1,143 @@
+#include "platform/spawn.h"
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <spawn.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace dorn {
+
+namespace {
+
+constexpr std::string_view kOrrinFolder = "/usr/orrin/bin/";
+constexpr const char* kBuildTreeAdaptors = "../orrin";
+constexpr int kFirstOwnDescriptor = 3;
+
+bool is_executable_file(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           access(path.c_str(), X_OK) == 0;
+}
+
+std::string running_executable() {
+    std::array<char, PATH_MAX> path;
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    if (length <= 0 || static_cast<std::size_t>(length) == path.size()) return {};
+    return std::string(path.data(), static_cast<std::size_t>(length));
+}
+
+std::string search_path() {
+    if (const char* path = std::getenv("PATH")) return path;
+    std::array<char, 256> standard{};
+    confstr(_CS_PATH, standard.data(), standard.size());
+    return standard.data();
+}
+
+/// Settings of a start: the dispositions, the mask, the group and the descriptors of the child.
+class Settings {
+  public:
+    explicit Settings(const SpawnFiles& files) {
+        posix_spawnattr_init(&attributes_);
+        sigset_t signals;
+        sigfillset(&signals);
+        posix_spawnattr_setsigdefault(&attributes_, &signals);
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&attributes_, &signals);
+        // A group of its own: an interrupt typed at the terminal that dorn was started from is not
+        // for the editor somebody opened.
+        posix_spawnattr_setpgroup(&attributes_, 0);
+        posix_spawnattr_setflags(
+            &attributes_, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
+        posix_spawn_file_actions_init(&actions_);
+        error_ = map(files.input, STDIN_FILENO);
+        if (error_ == 0) error_ = map(files.output, STDOUT_FILENO);
+        if (error_ == 0)
+            error_ = posix_spawn_file_actions_addclosefrom_np(&actions_, kFirstOwnDescriptor);
+    }
+    ~Settings() {
+        posix_spawn_file_actions_destroy(&actions_);
+        posix_spawnattr_destroy(&attributes_);
+    }
+    Settings(const Settings&) = delete;
+    Settings& operator=(const Settings&) = delete;
+
+    /// 0 or an errno value.
+    int start(const char* path, char* const* arguments, pid_t* process) const {
+        if (error_ != 0) return error_;
+        return posix_spawn(process, path, &actions_, &attributes_, arguments, environ);
+    }
+
+  private:
+    int map(int from, int to) {
+        return from < 0 ? 0 : posix_spawn_file_actions_adddup2(&actions_, from, to);
+    }
+
+    posix_spawnattr_t attributes_;
+    posix_spawn_file_actions_t actions_;
+    int error_ = 0;
+};
+
+}  // namespace
+
+std::string find_program(const std::string& name, const std::string& folders) {
+    std::string_view rest = folders;
+    for (;;) {
+        const std::size_t end = rest.find(':');
+        std::string path(rest.substr(0, end));
+        if (path.empty()) path = ".";
+        path += "/" + name;
+        if (is_executable_file(path)) return path;
+        if (end == std::string_view::npos) return {};
+        rest.remove_prefix(end + 1);
+    }
+}
+
+std::string orrin_program(const std::string& program) {
+    if (program.empty()) return {};
+    if (program.find('/') == std::string::npos) return find_program(program, search_path());
+    if (is_executable_file(program)) return program;
+    if (!program.starts_with(kOrrinFolder)) return {};
+    const std::string name = program.substr(program.rfind('/') + 1);
+    if (name.empty()) return {};
+    if (name == "dorn") {
+        const std::string running = running_executable();
+        if (is_executable_file(running)) return running;
+    }
+    return find_program(name, search_path());
+}
+
+void orrin_append_adaptors_to_path() {
+    const std::string running = running_executable();
+    const std::string folder = running.substr(0, running.rfind('/') + 1);
+    for (const char* adaptors : {DORN_ADAPTORS, kBuildTreeAdaptors}) {
+        std::array<char, PATH_MAX> path;
+        if (realpath((folder + adaptors).c_str(), path.data()) == nullptr) continue;
+        if (!is_executable_file(std::string(path.data()) + "/orterm")) continue;
+        setenv("PATH", (search_path() + ":" + path.data()).c_str(), 1);
+        return;
+    }
+}
+
+int spawn_program(const std::string& path, const std::vector<std::string>& arguments,
+                  const SpawnFiles& files) {
+    std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
+    for (const std::string& argument : arguments)
+        pointers.push_back(const_cast<char*>(argument.c_str()));
+    pointers.push_back(nullptr);
+    pid_t process = -1;
+    const int error = Settings(files).start(path.c_str(), pointers.data(), &process);
+    if (error == 0) return process;
+    errno = error;
+    return -1;
+}
+
+}  // namespace dorn
