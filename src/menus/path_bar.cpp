@@ -6,7 +6,7 @@
 #include "dirmodel/name_translation.h"
 #include "filelist/filelist.h"
 #include "filelist/navigation.h"
-#include "menus/entry_field.h"
+#include "ui/entry_field.h"
 #include "ui/combo.h"
 #include "ui/dialogs.h"
 #include "ui/qt_widget.h"

@@ -1,4 +1,4 @@
-#include "menus/entry_field.h"
+#include "ui/entry_field.h"
 
 #include <QLineEdit>
 #include <QScopedValueRollback>
