@@ -1,5 +1,7 @@
 #include "menus/menus.h"
 
+#include "assoc/assoc_dialogs.h"
+#include "dialogs/open_with.h"
 #include "hotlist/hotlist_tree.h"
 #include "menus/accelerators.h"
 #include "menus/commands.h"
@@ -29,6 +31,7 @@ constexpr auto kOwnCommands = std::to_array<OwnCommand>({
     {"fm_new_window", fm_new_window},
     {"fm_view", fm_view},
     {"fm_edit", fm_edit},
+    {"fm_open_with", fm_open_with},
     {"fm_open_orterm", fm_open_orterm},
     {"fm_print", fm_print},
     {"fm_print_directory", fm_print_directory},
@@ -36,6 +39,7 @@ constexpr auto kOwnCommands = std::to_array<OwnCommand>({
     {"em_select_all", em_select_all},
     {"em_unselect_all", em_unselect_all},
     {"em_invert", em_invert_selection},
+    {"em_associations", em_edit_associations},
     {"gm_back", gm_back},
     {"gm_forward", gm_forward},
     {"gm_up", gm_up},

@@ -95,9 +95,11 @@ TEST_F(MenusTest, TheMenuBarOpensByItsMnemonicsAndShowsTheKeys) {
         QTest::keyClick(window_->menuBar(), Qt::Key_Escape);
     }
     EXPECT_EQ(labels(opened("file_menu")),
-              "New - Open\tRet Open In Window\tCtrl-Ret View\tAlt-V Edit\tCtrl-E - "
-              "Open Terminal\tCtrl-T - Refresh\tF5 - Print\tCtrl-P Print Directory - Exit\tAlt-X");
-    EXPECT_EQ(labels(opened("edit_menu")), "Select Unselect Invert Selection\tCtrl-I");
+              "New - Open\tRet Open In Window\tCtrl-Ret View\tAlt-V Edit\tCtrl-E "
+              "Open With...\tShift-Ret - Open Terminal\tCtrl-T - Refresh\tF5 - Print\tCtrl-P "
+              "Print Directory - Exit\tAlt-X");
+    EXPECT_EQ(labels(opened("edit_menu")),
+              "Select Unselect Invert Selection\tCtrl-I - Associations...\tF11");
     EXPECT_EQ(labels(opened("go_menu")),
               "Back\tAlt-<- Forward\tAlt--> Up One Level\tBksp Home\tF6");
 }
