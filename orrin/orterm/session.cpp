@@ -5,12 +5,14 @@
 #include "pty.h"
 #include "window.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <poll.h>
+#include <string_view>
 #include <sys/ioctl.h>
 #include <sys/signalfd.h>
 #include <sys/socket.h>
@@ -96,22 +98,39 @@ void write_command(Session& session) {
     }
 }
 
-/// What is typed at the end closes the window; what the terminal itself reports (a position, a
-/// moved mouse) does not.
-bool is_key(const char* bytes, size_t size) {
-    return size > 0 && !(size > 1 && bytes[0] == '\x1b');
+/// The length of the control sequence that `text` begins with, such as a terminal reports a
+/// position, a colour or a moved mouse in; 0 when it begins with anything else.
+size_t report_length(std::string_view text) {
+    if (text.size() < 2 || text[0] != '\x1b') return 0;
+    if (text[1] == '[') {
+        size_t end = 2;
+        while (end < text.size() && text[end] < '@')
+            ++end;
+        return std::min(end + 1, text.size());
+    }
+    if (text[1] == ']' || text[1] == 'P') {
+        const size_t bell = text.find('\a');
+        const size_t close = text.find("\x1b\\", 2);
+        const size_t end = std::min(bell, close);
+        return end == std::string_view::npos ? text.size() : end + (end == close ? 2 : 1);
+    }
+    return 2;
 }
 
-void take_keys(Session& session, const char* bytes, size_t size) {
-    if (!is_key(bytes, size)) {
-        if (!session.farewell) session.keys.append(bytes, size);
-        return;
-    }
-    session.typed = true;
-    if (session.farewell) {
+/// Whether a person typed: the terminal's own reports come by the same way.
+bool holds_key(std::string_view text) {
+    while (const size_t length = report_length(text))
+        text.remove_prefix(length);
+    return !text.empty();
+}
+
+void take_keys(Session& session, std::string_view text) {
+    const bool typed = holds_key(text);
+    session.typed = session.typed || typed;
+    if (!session.farewell) {
+        session.keys.append(text);
+    } else if (typed) {
         session.key_awaited = false;
-    } else {
-        session.keys.append(bytes, size);
     }
 }
 
@@ -125,7 +144,7 @@ void read_window(Session& session) {
     }
     const auto size = static_cast<size_t>(count) - 1;
     if (bytes[0] == static_cast<char>(PacketKind::kKeys)) {
-        take_keys(session, bytes.data() + 1, size);
+        take_keys(session, {bytes.data() + 1, size});
     } else if (bytes[0] == static_cast<char>(PacketKind::kSize) && size == sizeof(winsize)) {
         winsize window{};
         std::memcpy(&window, bytes.data() + 1, sizeof window);

@@ -1,0 +1,556 @@
+// orterm as dorn and users run it: real processes, with a terminal emulator of the test's own whose
+// keyboard and screen the test holds (fake_terminal.cpp), and with real ones on a virtual screen.
+#include "support/sandbox.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <dirent.h>
+#include <fcntl.h>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+#include <memory>
+#include <poll.h>
+#include <sstream>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace dorn {
+namespace {
+
+using Words = std::vector<std::string>;
+using Variables = std::map<std::string, std::string>;
+
+const std::string kOrterm = std::string(DORN_ADAPTORS) + "/orterm";
+
+std::string read_file(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
+}
+
+bool wait_until(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+
+std::vector<pid_t> children_of(pid_t process) {
+    const std::string id = std::to_string(process);
+    std::istringstream text(read_file("/proc/" + id + "/task/" + id + "/children"));
+    std::vector<pid_t> children;
+    for (pid_t child = 0; text >> child;)
+        children.push_back(child);
+    return children;
+}
+
+// The words that a process was started with.
+Words words_of(pid_t process) {
+    std::istringstream text(read_file("/proc/" + std::to_string(process) + "/cmdline"));
+    Words words;
+    for (std::string word; std::getline(text, word, '\0');)
+        words.push_back(word);
+    return words;
+}
+
+// What the test sees and does in one fake terminal.
+class Screen {
+  public:
+    explicit Screen(int connection) : connection_(connection) {
+        ucred peer{};
+        socklen_t size = sizeof peer;
+        getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &peer, &size);
+        emulator = peer.pid;
+    }
+    ~Screen() {
+        close_window();
+    }
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+
+    // Reads until the screen holds the text; false when the window closes or nothing comes.
+    bool shows(const std::string& wanted) {
+        while (text.find(wanted) == std::string::npos)
+            if (!read_more()) return false;
+        return true;
+    }
+    // Reads until the window is closed by the other side.
+    bool closes() {
+        while (read_more())
+            continue;
+        return ended_;
+    }
+    void type(const std::string& keys) const {
+        for (size_t sent = 0; sent < keys.size();) {
+            const ssize_t count =
+                send(connection_, keys.data() + sent, keys.size() - sent, MSG_NOSIGNAL);
+            if (count <= 0) return;
+            sent += static_cast<size_t>(count);
+        }
+    }
+    void close_window() {
+        if (connection_ >= 0) close(connection_);
+        connection_ = -1;
+    }
+    pid_t attached() const {
+        const std::vector<pid_t> children = children_of(emulator);
+        return children.empty() ? -1 : children[0];
+    }
+
+    std::string text;
+    pid_t emulator = -1;
+
+  private:
+    bool read_more() {
+        pollfd item{connection_, POLLIN, 0};
+        if (poll(&item, 1, 30000) <= 0) return false;
+        std::array<char, 65536> bytes;
+        const ssize_t count = read(connection_, bytes.data(), bytes.size());
+        ended_ = count <= 0;
+        if (ended_) return false;
+        text.append(bytes.data(), static_cast<size_t>(count));
+        return true;
+    }
+
+    int connection_;
+    bool ended_ = false;
+};
+
+class Orterm : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        sandbox_.file("terminal").copy(address.sun_path, sizeof address.sun_path - 1);
+        listener_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+        ASSERT_EQ(bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        ASSERT_EQ(listen(listener_, 8), 0);
+        variables_ = {{"TERMINAL", FAKE_TERMINAL_PROGRAM},
+                      {"FAKE_TERMINAL", address.sun_path},
+                      {"MARK", sandbox_.path()},
+                      {"DISPLAY", ""},
+                      {"WAYLAND_DISPLAY", ""},
+                      {"HERE", sandbox_.path()}};
+    }
+    void TearDown() override {
+        close(listener_);
+        for (const pid_t process : marked_processes())
+            kill(process, SIGKILL);
+        if (process_ > 0) waitpid(process_, nullptr, 0);
+    }
+
+    // Starts orterm with these words, in the sandbox. `before` runs in the child.
+    void start(Words words, const std::function<void()>& before = {}) {
+        words.insert(words.begin(), kOrterm);
+        process_ = fork();
+        if (process_ != 0) return;
+        for (const auto& [name, value] : variables_)
+            setenv(name.c_str(), value.c_str(), 1);
+        const int input = open("/dev/null", O_RDONLY);
+        const int errors = open(sandbox_.file("errors").c_str(), O_WRONLY | O_CREAT, 0600);
+        dup2(input, 0);
+        dup2(errors, 1);
+        dup2(errors, 2);
+        if (chdir(sandbox_.path()) != 0) _exit(99);
+        if (before) before();
+        std::vector<char*> pointers;
+        for (std::string& word : words)
+            pointers.push_back(word.data());
+        pointers.push_back(nullptr);
+        execv(pointers[0], pointers.data());
+        _exit(99);
+    }
+    void start_shell(const std::string& options, const std::string& line) {
+        Words words{"/bin/sh", "-c", line};
+        if (!options.empty()) words.insert(words.begin(), options);
+        start(words);
+    }
+
+    // The exit status; -1 when it does not end, 1000 and the signal when one ended it.
+    int status() {
+        int result = 0;
+        if (!wait_until([&] { return waitpid(process_, &result, WNOHANG) == process_; })) return -1;
+        process_ = -1;
+        return WIFSIGNALED(result) ? 1000 + WTERMSIG(result) : WEXITSTATUS(result);
+    }
+
+    // The next window that opens; null when none does.
+    std::unique_ptr<Screen> window(int timeout = 30000) const {
+        pollfd item{listener_, POLLIN, 0};
+        if (poll(&item, 1, timeout) <= 0) return nullptr;
+        return std::make_unique<Screen>(accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC));
+    }
+    bool no_window() const {
+        return !window(0);
+    }
+
+    // The processes that were started from this test's orterm and live.
+    std::vector<pid_t> marked_processes() const {
+        const std::string mark = std::string("MARK=") + sandbox_.path();
+        std::vector<pid_t> found;
+        const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc"), closedir);
+        while (const dirent* entry = readdir(folder.get())) {
+            const auto process = static_cast<pid_t>(std::atoi(entry->d_name));
+            const std::string path = std::string("/proc/") + entry->d_name + "/environ";
+            if (process > 0 && read_file(path).find(mark) != std::string::npos)
+                found.push_back(process);
+        }
+        return found;
+    }
+    bool nothing_is_left() const {
+        return wait_until([&] { return marked_processes().empty(); });
+    }
+    std::string sandbox_file(const std::string& name) const {
+        return read_file(sandbox_.file(name));
+    }
+    bool wait_for_file(const std::string& name) const {
+        return wait_until([&] { return !sandbox_file(name).empty(); });
+    }
+
+    Sandbox sandbox_;
+    Variables variables_;
+    int listener_ = -1;
+    pid_t process_ = -1;
+};
+
+TEST_F(Orterm, PassesTheExitStatusOnAndShowsNoWindowForASilentCommand) {
+    const std::pair<const char*, int> kRows[] = {
+        {"exit 0", 0}, {"exit 7", 7}, {"kill -TERM $$", 143}, {"kill -KILL $$", 137}};
+    for (const auto& [line, expected] : kRows) {
+        start_shell("-zU", line);
+        EXPECT_EQ(status(), expected) << line;
+        EXPECT_TRUE(no_window()) << line;
+        EXPECT_TRUE(nothing_is_left()) << line;
+    }
+}
+
+TEST_F(Orterm, ACommandThatCannotBeRunIsTold) {
+    sandbox_.write("plain", "text");
+    const std::pair<Words, int> kRows[] = {{{"-U", "no such\ncommand"}, 127}, {{"./plain"}, 126}};
+    for (const auto& [words, expected] : kRows) {
+        start(words);
+        const auto screen = window();
+        ASSERT_TRUE(screen);
+        EXPECT_TRUE(screen->shows(std::string("orterm: ") + words.back().substr(0, 7)));
+        screen->type("\r");
+        EXPECT_EQ(status(), expected);
+    }
+}
+
+TEST_F(Orterm, OutputBringsTheWindow) {
+    start_shell("-U", "while [ ! -e go ]; do sleep 0.05; done; printf '\\033[1mgr\\303\\274n\\n'");
+    ASSERT_TRUE(wait_until([&] { return marked_processes().size() >= 3; }));
+    EXPECT_TRUE(no_window());
+    sandbox_.write("go");
+    const auto screen = window();
+    ASSERT_TRUE(screen);
+    EXPECT_TRUE(screen->shows("\x1b[1mgr\xc3\xbcn\r\n"));
+    EXPECT_TRUE(screen->shows("ended with status 0: press Enter to close]"));
+    screen->type("\x1b[1;1R\x1b]11;rgb:0/0/0\x1b\\q");  // the terminal's own reports, and a key
+    EXPECT_EQ(status(), 0);
+    EXPECT_TRUE(nothing_is_left());
+}
+
+TEST_F(Orterm, WaitingForInputBringsTheWindow) {
+    const Words kRows[] = {{"sh", "-c", "read x; test \"$x\" = typed"},
+                           {"bash", "-c", "read -t 60 x; test \"$x\" = typed"},
+                           {"sh", "-c", "stty -icanon; sleep 0.2; read x; test \"$x\" = typed"}};
+    for (Words words : kRows) {
+        words.insert(words.begin(), "-U");
+        start(words);
+        const auto screen = window();
+        ASSERT_TRUE(screen) << words[3];
+        screen->type("typed\r");
+        EXPECT_EQ(status(), 0) << words[3];
+        EXPECT_TRUE(screen->closes()) << words[3];
+    }
+}
+
+TEST_F(Orterm, TheWindowStaysForWhatWasNotRead) {
+    struct Row {
+        const char* options;
+        const char* line;
+        bool stays;
+    };
+    const Row kRows[] = {{"-z", "true", true},          {"-zU", "echo a", true},
+                         {"-U", "echo a", true},        {"-U", "read x", false},
+                         {"-U", "read x; false", true}, {"-U", "read x; exit 130", false},
+                         {"", "echo a; exit 1", false}};
+    for (const Row& row : kRows) {
+        start_shell(row.options, row.line);
+        const auto screen = window();
+        ASSERT_TRUE(screen) << row.line;
+        if (std::string(row.line).starts_with("read")) screen->type("x\n");
+        EXPECT_EQ(screen->shows("press Enter to close"), row.stays) << row.options << row.line;
+        screen->type("\r");
+        EXPECT_GE(status(), 0) << row.line;
+        EXPECT_TRUE(screen->closes());
+    }
+}
+
+TEST_F(Orterm, TheProgramLearnsTheSizeOfTheWindow) {
+    start_shell("", "trap 'stty size' WINCH; stty size; while :; do sleep 0.05; done");
+    const auto screen = window();
+    ASSERT_TRUE(screen && screen->shows("30 100"));
+    kill(screen->emulator, SIGUSR1);
+    EXPECT_TRUE(screen->shows("50 132"));
+}
+
+TEST_F(Orterm, ClosingTheWindowHangsTheProgramUp) {
+    start_shell("", "trap 'echo hup >heard; exit 5' HUP; echo up; while :; do sleep 0.05; done");
+    const auto screen = window();
+    ASSERT_TRUE(screen && screen->shows("up"));
+    screen->close_window();
+    EXPECT_EQ(status(), 128 + SIGHUP);
+    EXPECT_TRUE(wait_for_file("heard"));
+    EXPECT_TRUE(nothing_is_left());
+}
+
+// A megabyte does not fit what is kept until the window is there: the program is held up meanwhile.
+TEST_F(Orterm, BytesPassUnharmedInBothDirections) {
+    std::string bytes(1 << 20, '\0');
+    unsigned state = 1;
+    for (char& byte : bytes)
+        byte = static_cast<char>((state = state * 1664525 + 1013904223) >> 24);
+    sandbox_.write("big", bytes);
+    const std::string keys = bytes.substr(0, 100000);
+    start_shell("-U", "stty raw -echo; cat big; printf READY; head -c 100000 >typed");
+    const auto screen = window();
+    ASSERT_TRUE(screen);
+    ASSERT_TRUE(wait_until([&] { return screen->shows("READY"); }));
+    EXPECT_TRUE(screen->text == bytes + "READY");
+    screen->type(keys);
+    EXPECT_EQ(status(), 0);
+    EXPECT_TRUE(sandbox_file("typed") == keys);
+}
+
+TEST_F(Orterm, ControlCInterruptsAndAStoppedProgramGoesOn) {
+    start_shell("", "trap 'echo caught' INT; echo ready; read x; read x; echo got $x");
+    const auto screen = window();
+    ASSERT_TRUE(screen && screen->shows("ready"));
+    screen->type("\x03");
+    EXPECT_TRUE(screen->shows("caught"));
+    screen->type("\x1a");
+    screen->type("a\rb\r");
+    EXPECT_TRUE(screen->shows("got "));
+    EXPECT_EQ(status(), 0);
+}
+
+TEST_F(Orterm, NothingIsLeftWhenAnyPartyIsKilled) {
+    const std::pair<const char*, int> kRows[] = {{"first process", 1000 + SIGKILL},
+                                                 {"emulator", 128 + SIGHUP},
+                                                 {"attached process", 128 + SIGHUP},
+                                                 {"session leader", 128 + SIGKILL},
+                                                 {"command", 128 + SIGKILL}};
+    for (const auto& [party, expected] : kRows) {
+        start_shell("", "echo $$ >command; echo up; while :; do sleep 0.05; done");
+        const auto screen = window();
+        ASSERT_TRUE(screen && screen->shows("up")) << party;
+        const pid_t command = std::stoi(sandbox_file("command"));
+        const std::string leader = read_file("/proc/" + std::to_string(command) + "/stat");
+        const std::map<std::string, pid_t> parties = {
+            {"first process", process_},
+            {"emulator", screen->emulator},
+            {"attached process", screen->attached()},
+            {"session leader", std::stoi(leader.substr(leader.rfind(')') + 4))},
+            {"command", command}};
+        kill(parties.at(party), SIGKILL);
+        EXPECT_EQ(status(), expected) << party;
+        EXPECT_TRUE(nothing_is_left()) << party;
+    }
+}
+
+TEST_F(Orterm, AnEmulatorThatHandsOverToAServerIsWaitedForAndLeavesNoZombie) {
+    variables_["FAKE_TERMINAL_SERVER"] = "yes";
+    start_shell("", "echo up; read x; exit 6");
+    const auto screen = window();
+    ASSERT_TRUE(screen && screen->shows("up"));
+    // Of the processes that the first one started only the session's leader is left.
+    EXPECT_TRUE(wait_until([&] { return children_of(process_).size() == 1; }));
+    screen->type("\r");
+    EXPECT_EQ(status(), 6);
+    EXPECT_TRUE(nothing_is_left());
+}
+
+TEST_F(Orterm, OnlyOneProcessIsAttached) {
+    start_shell("", "echo up; read x");
+    const auto screen = window();
+    ASSERT_TRUE(screen && screen->shows("up"));
+    const std::string address = words_of(screen->emulator).back();
+    EXPECT_TRUE(address.starts_with("orterm-"));
+    EXPECT_EQ(read_file("/proc/net/unix").find(address + "\n"),
+              read_file("/proc/net/unix").rfind(address + "\n"));
+    const std::string again = kOrterm + " --attach " + address + " 2>/dev/null";
+    EXPECT_EQ(WEXITSTATUS(std::system(again.c_str())), 1);
+    screen->type("\r");
+    EXPECT_EQ(status(), 0);
+    EXPECT_EQ(read_file("/proc/net/unix").find(address), std::string::npos);
+}
+
+TEST_F(Orterm, TheCommandInheritsNeitherDescriptorsNorSignals) {
+    start({"-z", "sh", "-c",
+           "ls /proc/self/fd | tr '\\n' ' '; echo TERM $TERM; exec grep -E 'Sig(Blk|Ign)' "
+           "/proc/self/status"},
+          [] {
+              sigset_t all;
+              sigfillset(&all);
+              sigprocmask(SIG_SETMASK, &all, nullptr);
+              for (const int number : {SIGCHLD, SIGPIPE, SIGHUP, SIGINT})
+                  std::signal(number, SIG_IGN);
+              dup2(2, 77);
+          });
+    const auto screen = window();
+    ASSERT_TRUE(screen && screen->shows("press Enter"));
+    // 3 is the folder that ls reads.
+    EXPECT_NE(screen->text.find("0 1 2 3 TERM xterm-256color"), std::string::npos) << screen->text;
+    EXPECT_NE(screen->text.find("SigBlk:\t0000000000000000"), std::string::npos) << screen->text;
+    EXPECT_NE(screen->text.find("SigIgn:\t0000000000000000"), std::string::npos) << screen->text;
+    screen->type("\r");
+    EXPECT_EQ(status(), 0);
+}
+
+TEST_F(Orterm, WhatTheCommandLeavesRunningLivesOn) {
+    start_shell("-U",
+                "sh -c 'echo up >up; while [ ! -e go ]; do sleep 0.05; done; echo x >after' &"
+                " while [ ! -s up ]; do sleep 0.05; done");
+    EXPECT_EQ(status(), 0);
+    sandbox_.write("go");
+    EXPECT_TRUE(wait_for_file("after"));
+    EXPECT_TRUE(nothing_is_left());
+}
+
+TEST_F(Orterm, WithoutAWindowTheOutputGoesToStandardError) {
+    for (const char* terminal : {"", "/bin/false", "no-such-terminal -x", kOrterm.c_str()}) {
+        variables_["TERMINAL"] = terminal;
+        start_shell("-U", "echo said; exit 3");
+        EXPECT_EQ(status(), 3) << terminal;
+        EXPECT_NE(sandbox_file("errors").find("no terminal window for echo said"),
+                  std::string::npos);
+        EXPECT_NE(sandbox_file("errors").find("said\r\n"), std::string::npos) << terminal;
+    }
+    start_shell("-U", "echo said; read x");
+    EXPECT_EQ(status(), 128 + SIGHUP);
+    EXPECT_NE(sandbox_file("errors").find("wants input"), std::string::npos);
+    EXPECT_TRUE(nothing_is_left());
+}
+
+// Each of these notes its arguments and fails, so that the next one is tried.
+TEST_F(Orterm, EmulatorsAreTriedInOrderEachInItsOwnForm) {
+    sandbox_.mkdir("bin");
+    for (const char* name : {"x-terminal-emulator", "xterm", "gnome-terminal", "xfce4-terminal",
+                             "lxterminal", "kitty", "mine"}) {
+        const std::string path = std::string("bin/") + name;
+        sandbox_.write(path,
+                       "#!/bin/sh\n{ printf '%s' \"${0##*/}\"; printf '|%s' \"$@\"; echo; } "
+                       ">>\"$HERE/log\"; exit 1\n");
+        chmod(sandbox_.file(path).c_str(), 0755);
+    }
+    variables_["PATH"] = sandbox_.file("bin") + ":/bin:/usr/bin";
+    variables_["TERMINAL"] = "mine -a b";
+    variables_["DISPLAY"] = ":no-such-display";
+    start({"/bin/sh", "-c", "echo 'gr\xc3\xbcn'\n"});
+    EXPECT_EQ(status(), 0);
+    std::istringstream log(sandbox_file("log"));
+    const std::string kTitle = "echo 'gr\xc3\xbcn'?";
+    const std::string kAttach = kOrterm + "|--attach|orterm-";
+    for (const std::string& start_of_line :
+         Words{"mine|-a|b|-e|" + kAttach, "x-terminal-emulator|-T|" + kTitle + "|-e|" + kAttach,
+               "xterm|-T|" + kTitle + "|-e|" + kAttach,
+               "gnome-terminal|--title=" + kTitle + "|--|" + kAttach,
+               "xfce4-terminal|--title=" + kTitle + "|-x|" + kAttach,
+               "lxterminal|--title=" + kTitle + "|-e|'" + kOrterm + "' '--attach' 'orterm-",
+               "kitty|--title|" + kTitle + "|" + kAttach}) {
+        std::string line;
+        // Emulators that are installed here may stand between them.
+        while (std::getline(log, line) && !line.starts_with(start_of_line))
+            continue;
+        EXPECT_TRUE(line.starts_with(start_of_line)) << line;
+    }
+}
+
+TEST_F(Orterm, WithoutACommandTheTerminalOpensInTheCurrentDirectory) {
+    sandbox_.write("my term", "#!/bin/sh\npwd >where; echo $# >>where; exit 9\n");
+    chmod(sandbox_.file("my term").c_str(), 0755);
+    variables_["TERMINAL"] = sandbox_.file("my term");
+    start({});
+    EXPECT_EQ(status(), 9);
+    EXPECT_EQ(sandbox_file("where"), std::string(sandbox_.path()) + "\n0\n");
+    variables_["TERMINAL"] = "";
+    start({"-U"});
+    EXPECT_EQ(status(), 127);
+    EXPECT_NE(sandbox_file("errors").find("no terminal emulator"), std::string::npos);
+}
+
+// A virtual screen of this test's own; `display` is empty when there is no X server.
+class VirtualScreen {
+  public:
+    VirtualScreen() {
+        std::array<int, 2> number{};
+        if (pipe(number.data()) != 0) return;
+        server_ = fork();
+        if (server_ == 0) {
+            dup2(number[1], 3);
+            execlp("Xvfb", "Xvfb", "-displayfd", "3", "-nolisten", "tcp", nullptr);
+            _exit(127);
+        }
+        close(number[1]);
+        std::array<char, 32> text{};
+        const ssize_t count = read(number[0], text.data(), text.size());
+        close(number[0]);
+        if (count > 1) display = ":" + std::string(text.data(), static_cast<size_t>(count - 1));
+    }
+    ~VirtualScreen() {
+        kill(server_, SIGTERM);
+        waitpid(server_, nullptr, 0);
+    }
+    VirtualScreen(const VirtualScreen&) = delete;
+    VirtualScreen& operator=(const VirtualScreen&) = delete;
+
+    std::string display;
+
+  private:
+    pid_t server_ = -1;
+};
+
+TEST_F(Orterm, WorksInRealTerminalEmulators) {
+    const VirtualScreen screen;
+    if (screen.display.empty()) GTEST_SKIP() << "Xvfb is not installed";
+    variables_["DISPLAY"] = screen.display;
+    const std::string kTerminals[] = {"xterm -geometry 91x33", "urxvt -geometry 91x33",
+                                      "stterm -g 91x33"};
+    int tried = 0;
+    for (const std::string& terminal : kTerminals) {
+        const std::string name = terminal.substr(0, terminal.find(' '));
+        if (std::system(("command -v " + name + " >/dev/null").c_str()) != 0) continue;
+        ++tried;
+        variables_["TERMINAL"] = terminal;
+        unlink(sandbox_.file("size").c_str());
+        start_shell("-U",
+                    "echo shown; while [ \"$size\" != '33 91' ]; do size=$(stty size); "
+                    "done; echo up >size; sleep 60");
+        EXPECT_TRUE(wait_for_file("size")) << name;
+        // The window's process is the one that is neither of ours: it ends, and all ends with it.
+        for (const pid_t process : marked_processes()) {
+            const Words words = words_of(process);
+            if (!words.empty() && words[0].ends_with("/" + name)) kill(process, SIGTERM);
+        }
+        EXPECT_EQ(status(), 128 + SIGHUP) << name << sandbox_file("errors");
+        EXPECT_TRUE(nothing_is_left()) << name;
+    }
+    if (tried == 0) GTEST_SKIP() << "none of xterm, urxvt and stterm is installed";
+}
+
+}  // namespace
+}  // namespace dorn
