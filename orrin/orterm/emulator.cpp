@@ -54,7 +54,7 @@ std::string last_component(const std::string& path) {
 
 std::string real_path(const std::string& path) {
     char* resolved = realpath(path.c_str(), nullptr);
-    const std::string result = resolved ? resolved : path;
+    std::string result = resolved ? resolved : path;
     std::free(resolved);
     return result;
 }
@@ -159,7 +159,7 @@ std::string find_program(const std::string& name) {
     const char* path = std::getenv("PATH");
     std::istringstream folders(path ? path : "/usr/local/bin:/usr/bin:/bin");
     for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
+        std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
         if (executable(candidate)) return candidate;
     }
     return {};

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cinttypes>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -52,7 +54,10 @@ bool is_terminal(const Thread& thread, uint64_t fd) {
 /// Copies bytes out of the other process; false when it does not allow it.
 bool read_memory(const Thread& thread, uint64_t address, void* into, size_t size) {
     const iovec here{into, size};
-    const iovec there{reinterpret_cast<void*>(static_cast<uintptr_t>(address)), size};
+    // The address is the other process's; as a pointer it is only handed to the kernel.
+    void* place = nullptr;
+    std::memcpy(&place, &address, sizeof place);
+    const iovec there{place, size};
     return process_vm_readv(thread.process, &here, 1, &there, 1, 0) == static_cast<ssize_t>(size);
 }
 
@@ -116,7 +121,7 @@ InputWish thread_wish(const Thread& thread) {
     long call = -1;
     uint64_t first = 0;
     uint64_t second = 0;
-    if (std::sscanf(text->c_str(), "%ld %lx %lx", &call, &first, &second) != 3)
+    if (std::sscanf(text->c_str(), "%ld %" SCNx64 " %" SCNx64, &call, &first, &second) != 3)
         return InputWish::kNo;
     return call_waits_for_terminal(thread, call, first, second) ? InputWish::kYes : InputWish::kNo;
 }

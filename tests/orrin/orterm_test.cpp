@@ -506,10 +506,11 @@ class VirtualScreen {
             _exit(127);
         }
         close(number[1]);
-        std::array<char, 32> text{};
-        const ssize_t count = read(number[0], text.data(), text.size());
+        std::string text;
+        for (char byte = 0; read(number[0], &byte, 1) == 1 && byte != '\n';)
+            text += byte;
         close(number[0]);
-        if (count > 1) display = ":" + std::string(text.data(), static_cast<size_t>(count - 1));
+        if (!text.empty()) display = ":" + text;
     }
     ~VirtualScreen() {
         kill(server_, SIGTERM);
