@@ -6,9 +6,9 @@
 #include "dirmodel/name_translation.h"
 #include "filelist/filelist.h"
 #include "filelist/navigation.h"
-#include "ui/entry_field.h"
 #include "ui/combo.h"
 #include "ui/dialogs.h"
+#include "ui/entry_field.h"
 #include "ui/qt_widget.h"
 
 #include <QLineEdit>
