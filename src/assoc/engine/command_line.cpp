@@ -81,8 +81,9 @@ class Builder {
             copy(1);
         } else {
             section_nested_ = true;
+            const bool before_escaped_at = next == '\\' && rest_.size() > 2 && rest_[2] == '@';
             // Between apostrophes it is a character like any other, and the next one counts.
-            copy(where_ == Where::Single || where_ == Where::Comment ? 1 : 2);
+            copy(before_escaped_at || where_ == Where::Single || where_ == Where::Comment ? 1 : 2);
         }
     }
 

@@ -1,0 +1,176 @@
+#include "assoc/engine/association.h"
+
+#include "support/headless_screen.h"
+#include "support/sandbox.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace dorn {
+namespace {
+
+constexpr const char* kFile = "associate.003";
+constexpr const char* kHeader =
+    "# <pattern[|pattern[..]]> \\t <open_command> \\t <view_command> \\t <edit command>\n";
+
+std::string text_of(const std::vector<Association>& rows) {
+    std::string text;
+    for (const Association& row : rows)
+        text += row.pattern + "/" + row.open + "/" + row.edit + "/" + row.view + ";";
+    return text;
+}
+
+class AssociationTest : public testing::Test {
+  protected:
+    void TearDown() override {
+        apat.clear();
+        headless::reset();
+    }
+    std::string content() const {
+        std::ifstream stream(sandbox_.file(kFile), std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    Sandbox sandbox_;
+};
+
+TEST_F(AssociationTest, LinesAreReadInPiecesAndSplitAtTabs) {
+    const std::string full(1021, 'x');  // with its TAB and its newline the longest line
+    const std::string head(1000, 'p');
+    struct Row {
+        std::string content;
+        int bad;
+        std::string rows;
+    };
+    for (const Row& row : std::vector<Row>{
+             {"", 0, ""},
+             {"# only\n#a comment", 0, ""},
+             {"*.x\tcmd\n", 0, "*.x/cmd//;"},
+             {"*.x\tcmd", 0, "*.x/cmd//;"},
+             {"a\topen\tview\tedit\tmore\t\n", 0, "a/open/edit/view;"},
+             {"\t\t\t\n#c\n \tb\n", 0, "///; /b//;"},
+             {"*.x\n", 1, ""},
+             {"#c\n#c\na\tb\nbad\n", 2, "a/b//;"},
+             {"a\tb\n\nc\td\n", 2, "a/b//;"},
+             {"a\tb\r\n", 0, "a/b\r//;"},
+             {std::string("a\tb\0rest\tc\n", 11), 0, "a/b//;"},
+             {full + "\t\n", 0, full + "///;"},
+             {full + "x\t\n", 2, full + "x///;"},
+             {head + "\t" + std::string(22, 'o') + "1\t2\n", 0,
+              head + "/" + std::string(22, 'o') + "//;1/2//;"},
+             {head + "\t" + std::string(22, 'o') + "#\t2\n", 0,
+              head + "/" + std::string(22, 'o') + "//;"},
+         }) {
+        std::vector<Association> rows;
+        EXPECT_EQ(assoc_parse(row.content, &rows), row.bad) << row.content;
+        EXPECT_EQ(text_of(rows), row.rows) << row.content;
+    }
+}
+
+TEST_F(AssociationTest, TheTableIsWrittenAndReadBackByteForByte) {
+    std::vector<Association> rows;
+    for (int i = 0; i < 25; ++i)
+        rows.push_back({"*." + std::to_string(i), "open \xff", i % 2 == 0 ? "" : "edit @", "view"});
+    assoc_replace(rows, sandbox_.path(), kFile);
+    EXPECT_EQ(text_of(apat), text_of(rows));
+    const std::string written = content();
+    EXPECT_TRUE(written.starts_with(std::string(kHeader) + "*.0\topen \xff\tview\t\n"));
+    apat.clear();
+    init_read_associations(sandbox_.path(), kFile);
+    EXPECT_EQ(text_of(apat), text_of(rows));
+    EXPECT_EQ(assoc_format(apat), written);
+
+    assoc_replace({}, sandbox_.path(), kFile);
+    EXPECT_EQ(content(), kHeader);
+    init_read_associations(sandbox_.path(), kFile);
+    EXPECT_TRUE(apat.empty());  // and not the defaults
+    assoc_replace(rows, "/nowhere", kFile);
+    assoc_replace(rows, nullptr, kFile);
+    EXPECT_EQ(text_of(apat), text_of(rows));
+    EXPECT_TRUE(headless::alerts().empty());
+}
+
+TEST_F(AssociationTest, WithoutAFileTheDefaultsHold) {
+    for (const char* directory : {sandbox_.path(), static_cast<const char*>(nullptr)}) {
+        apat.clear();
+        init_read_associations(directory, kFile);
+        ASSERT_EQ(apat.size(), 10u);
+        EXPECT_EQ(assoc_format(apat).substr(80, 57),
+                  "*.[ch]\tored\tored -r\tored\n[Mm]akefile\torterm -z make -f @\t");
+    }
+    EXPECT_EQ(access(sandbox_.file(kFile).c_str(), F_OK), -1);
+    struct Row {
+        const char* name;
+        int index;
+        const char* open;
+        const char* view;
+        const char* edit;
+    };
+    for (const Row& row : std::vector<Row>{
+             {"main.c", 0, "ored", "ored -r", "ored"},
+             {"makefile", 1, "orterm -z make -f @", "ored", "ored"},
+             {"notes.TXT", -1, nullptr, nullptr, nullptr},
+             {"core.core", 3, "orterm -z dumpinfo @", nullptr, nullptr},
+             {"photo.JPG", 4, "orv", nullptr, "orv"},
+             {".x.htm", 5, "lanthorn -u file://$PWD/@", "lanthorn -u file://$PWD/@", nullptr},
+             {"a.smil", 6, "realplay", "realplay", nullptr},
+             {"a.AIF", 7, "orplay", "orplay", nullptr},
+             {"a.mp3", 8, "orplay", "orplay", nullptr},
+             {"font.ttf", 9, "cp $PWD/@ /usr/orrin/font", nullptr, nullptr},
+         }) {
+        EXPECT_EQ(_get_pat_idx(row.name), row.index) << row.name;
+        EXPECT_STREQ(_get_pat_cmd(row.name, AssocAction::Open), row.open) << row.name;
+        EXPECT_STREQ(_get_pat_cmd(row.name, AssocAction::View), row.view) << row.name;
+        EXPECT_STREQ(_get_pat_cmd(row.name, AssocAction::Edit), row.edit) << row.name;
+    }
+    EXPECT_EQ(_get_pat_cmd("main.c", static_cast<AssocAction>(3)), nullptr);
+}
+
+TEST_F(AssociationTest, ABlankCommandOfTheFirstMatchIsNotLookedForFurther) {
+    apat = {{"*.c|*.h", "one", "", " \t\v"}, {"*", "two", "edit", "view"}};
+    EXPECT_EQ(_get_pat_cmd("a.h", AssocAction::View), nullptr);
+    EXPECT_EQ(_get_pat_cmd("a.h", AssocAction::Edit), nullptr);
+    EXPECT_STREQ(_get_pat_cmd("a.x", AssocAction::Edit), "edit");
+    EXPECT_EQ(apat[0].pattern, "*.c|*.h");
+}
+
+// What is alerted goes to the shown screen, so the alerts are told on standard error for the test.
+[[noreturn]] void read_and_tell(const char* directory) {
+    std::atexit([] {
+        for (const headless::Alert& alert : headless::alerts())
+            std::fprintf(stderr, "[%s|%s]\n", alert.title.c_str(), alert.message.c_str());
+    });
+    init_read_associations(directory, kFile);
+    std::exit(0);
+}
+
+TEST_F(AssociationTest, ADamagedFileIsToldAndEndsTheProgram) {
+    sandbox_.write(kFile, "# one\n# two\n*.c\tored\n*.x\n*.h\tored\n");
+    EXPECT_EXIT(read_and_tell(sandbox_.path()), testing::ExitedWithCode(1),
+                "^DORN error: Invalid association at line 2\n"
+                "\\[Error\\|Invalid association at line 2\\]\n$");
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+void limit_memory() {
+    const rlimit limit{256 << 20, 256 << 20};
+    setrlimit(RLIMIT_AS, &limit);
+}
+
+TEST_F(AssociationTest, WithoutMemoryItIsToldAndTheProgramEnds) {
+    sandbox_.write(kFile);
+    ASSERT_EQ(truncate(sandbox_.file(kFile).c_str(), 1LL << 30), 0);
+    EXPECT_EXIT(
+        {
+            limit_memory();
+            read_and_tell(sandbox_.path());
+        },
+        testing::ExitedWithCode(1),
+        "^DORN error: Unable to allocate memory\n\\[Error\\|Unable to allocate memory\\]\n$");
+}
+#endif
+
+}  // namespace
+}  // namespace dorn

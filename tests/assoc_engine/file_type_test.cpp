@@ -1,0 +1,200 @@
+#include "assoc/engine/file_type.h"
+
+#include "support/fake_programs.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace dorn {
+namespace {
+
+std::string read_all(FILE* stream) {
+    std::string text;
+    for (int c = std::getc(stream); c != EOF; c = std::getc(stream))
+        text += static_cast<char>(c);
+    return text;
+}
+
+long open_descriptors() {
+    DIR* folder = opendir("/proc/self/fd");
+    long count = 0;
+    while (readdir(folder) != nullptr)
+        ++count;
+    closedir(folder);
+    return count;
+}
+
+TEST(Pipes, CarryTextBothWaysAndGiveTheStatus) {
+    const Sandbox sandbox;
+    FILE* from = dorn::popen("printf 'a\\nb'; exit 3", "r");
+    ASSERT_NE(from, nullptr);
+    EXPECT_EQ(read_all(from), "a\nb");
+    EXPECT_EQ(WEXITSTATUS(dorn::pclose(from)), 3);
+    FILE* to = dorn::popen(("cat >" + sandbox.file("copy")).c_str(), "w");
+    ASSERT_NE(to, nullptr);
+    EXPECT_EQ(std::fputs("text", to), 1);
+    EXPECT_EQ(dorn::pclose(to), 0);
+    EXPECT_EQ(read_all(std::fopen(sandbox.file("copy").c_str(), "r")), "text");
+
+    errno = 0;
+    EXPECT_EQ(dorn::popen("true", "x"), nullptr);
+    EXPECT_EQ(errno, EINVAL);
+    errno = 0;
+    EXPECT_EQ(dorn::pclose(stdin), -1);
+    EXPECT_EQ(errno, EINVAL);
+}
+
+TEST(Pipes, AnEndWithoutAKnownStatusIsTold) {
+    const auto before = std::signal(SIGCHLD, SIG_IGN);
+    FILE* stream = dorn::popen("true", "r");
+    ASSERT_NE(stream, nullptr);
+    errno = 0;
+    EXPECT_EQ(dorn::pclose(stream), -1);
+    EXPECT_EQ(errno, ECHILD);
+    std::signal(SIGCHLD, before);
+}
+
+TEST(Pipes, AreSafeFromManyThreadsAtOnce) {
+    const long before = open_descriptors();
+    std::array<int, 12> wrong{};
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < wrong.size(); ++i) {
+        threads.emplace_back([i, &wrong] {
+            for (int round = 0; round < 5; ++round) {
+                const std::string word = std::to_string(i * 100 + static_cast<std::size_t>(round));
+                // A child that held another's pipe would keep that one from ending.
+                FILE* idle = dorn::popen("cat", "w");
+                FILE* stream = dorn::popen(("echo " + word).c_str(), "r");
+                const bool fine = idle != nullptr && stream != nullptr &&
+                                  read_all(stream) == word + "\n" && dorn::pclose(stream) == 0 &&
+                                  dorn::pclose(idle) == 0;
+                wrong[i] += fine ? 0 : 1;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const int count : wrong)
+        EXPECT_EQ(count, 0);
+    EXPECT_EQ(open_descriptors(), before);
+}
+
+TEST(Pipes, WithDescriptorsExhaustedFailAndLeaveNothing) {
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const long open_before = open_descriptors();
+    rlimit limit = before;
+    limit.rlim_cur = 64;
+    setrlimit(RLIMIT_NOFILE, &limit);
+    std::vector<FILE*> streams;
+    errno = 0;
+    for (FILE* next = dorn::popen("cat", "w"); next != nullptr; next = dorn::popen("cat", "w"))
+        streams.push_back(next);
+    EXPECT_EQ(errno, EMFILE);
+    EXPECT_GT(streams.size(), 10u);
+    std::string text;
+    EXPECT_EQ(as_get_filetype("/", S_IFDIR, &text), 1);
+    EXPECT_EQ(text, "Directory");
+    for (FILE* stream : streams)
+        EXPECT_EQ(dorn::pclose(stream), 0);
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(open_descriptors(), open_before);
+}
+
+TEST(Pipes, NeedNoShellOnThePathAndNoStandardDescriptors) {
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", "/nowhere", 1);
+    const int input = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 10);
+    close(STDIN_FILENO);
+    FILE* from = dorn::popen("echo $PATH", "r");
+    ASSERT_NE(from, nullptr);
+    EXPECT_EQ(read_all(from), "/nowhere\n");
+    EXPECT_EQ(dorn::pclose(from), 0);
+    if (input >= 0) dup2(input, STDIN_FILENO);
+    close(input);
+    setenv("PATH", path.c_str(), 1);
+}
+
+TEST(FileType, IsTheTextBehindTheColon) {
+    const FakePrograms fakes;
+    fakes.add("file",
+              "case $2 in /x/*colon) echo none;; /x/none) ;; /x/short) echo 'a:';; "
+              "*) echo \"$2: some text\"; echo more;; esac");
+    struct Row {
+        const char* path;
+        const char* text;
+    };
+    for (const Row& row : std::vector<Row>{{"/x/plain", "some text\n"},
+                                           {"/x/a:b", ": some text\n"},
+                                           {"/x/no colon", "some text\n"},
+                                           {"/x/nocolon", "none\n"},
+                                           {"/x/short", ""},
+                                           {"/x/none", "Executable"}}) {
+        std::string text = "before";
+        EXPECT_EQ(as_get_filetype(row.path, S_IFREG | 0100, &text), 1) << row.path;
+        EXPECT_EQ(text, row.text) << row.path;
+    }
+    const FakePrograms::Runs runs = fakes.runs("file");
+    EXPECT_NE(std::find(runs.begin(), runs.end(), std::vector<std::string>{"-L", "/x/no", "colon"}),
+              runs.end());
+}
+
+TEST(FileType, NamesThatAreMoreThanNamesToAShellGoToNone) {
+    const FakePrograms fakes;
+    fakes.add("file", "echo 'x: text'");
+    std::vector<std::string> names = {"-z", "a -C", "/tmp/a\nb", "it's", std::string("\t")};
+    for (const char c : std::string("!\"#$&'()*;<>?[]\\^`{|}~"))
+        names.push_back(std::string("/tmp/a") + c);
+    for (const std::string& name : names) {
+        std::string text;
+        EXPECT_EQ(as_get_filetype(name.c_str(), S_IFREG | 0644, &text), 1);
+        EXPECT_EQ(text, "Regular File") << name;
+    }
+    EXPECT_TRUE(fakes.runs("file").empty());
+    const std::string every = "/tmp/aZ09_.,+-@%=: \x80\xff";
+    std::string text;
+    EXPECT_EQ(as_get_filetype(every.c_str(), S_IFREG, &text), 1);
+    EXPECT_EQ(fakes.runs("file"), (FakePrograms::Runs{{"-L", "/tmp/aZ09_.,+-@%=:", "\x80\xff"}}));
+}
+
+TEST(FileType, WithoutTheProgramIsAWordForTheMode) {
+    const FakePrograms fakes;
+    fakes.add("file", "exit 1");
+    struct Row {
+        mode_t mode;
+        const char* text;
+    };
+    for (const Row& row : std::vector<Row>{{S_IFIFO, "FIFO"},
+                                           {S_IFCHR | 0111, "Special File"},
+                                           {S_IFDIR | 0755, "Directory"},
+                                           {S_IFBLK, "Block Special File"},
+                                           {S_IFLNK | 0777, "Symbolic Link"},
+                                           {0050000, "Special Named File"},
+                                           {S_IFSOCK, "Socket"},
+                                           {0150000, "Kestrel Special Type"},
+                                           {S_IFREG | 0001, "Executable"},
+                                           {0111, "Executable"},
+                                           {S_IFREG | 0644, "Regular File"}}) {
+        std::string text;
+        EXPECT_EQ(as_get_filetype("/x", row.mode, &text), 1) << row.text;
+        EXPECT_EQ(text, row.text);
+    }
+    std::string text = "before";
+    EXPECT_EQ(as_get_filetype("/x", 0644, &text), 0);
+    EXPECT_EQ(text, "before");
+}
+
+}  // namespace
+}  // namespace dorn

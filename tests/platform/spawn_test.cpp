@@ -1,0 +1,138 @@
+#include "platform/spawn.h"
+
+#include "support/sandbox.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <pthread.h>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace dorn {
+namespace {
+
+class SpawnTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        path_before_ = std::getenv("PATH");
+    }
+    void TearDown() override {
+        setenv("PATH", path_before_.c_str(), 1);
+    }
+
+    /// What a shell prints when it is started to run `command`.
+    std::string output_of(const std::string& command) const {
+        const std::string file = sandbox_.file("output");
+        const int output = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        SpawnFiles files;
+        files.output = output;
+        const int process = spawn_program("/bin/sh", {"sh", "-c", command}, files);
+        close(output);
+        EXPECT_GT(process, 0);
+        EXPECT_EQ(waitpid(process, nullptr, 0), process);
+        std::ifstream stream(file);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    std::string program(const std::string& name) const {
+        sandbox_.write(name, "#!/bin/sh\n");
+        chmod(sandbox_.file(name).c_str(), 0755);
+        return sandbox_.file(name);
+    }
+
+    Sandbox sandbox_;
+    std::string path_before_;
+};
+
+TEST_F(SpawnTest, ChildrenInheritNoSignalSettingAndNoDescriptor) {
+    const int open_one = open("/dev/null", O_RDONLY);
+    ASSERT_GT(open_one, 2);
+    const int high = fcntl(open_one, F_DUPFD, 700);
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    std::map<int, sighandler_t> handlers;
+    for (const int number : {SIGCHLD, SIGPIPE, SIGXFSZ, SIGINT, SIGHUP, SIGQUIT})
+        handlers[number] = std::signal(number, SIG_IGN);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    const std::string file = sandbox_.file("status");
+    SpawnFiles files;
+    files.output = open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    const int process =
+        spawn_program("/bin/sh",
+                      {"sh", "-c",
+                       "grep -E '^Sig(Blk|Ign)' /proc/self/status; echo /proc/self/fd/*; "
+                       "test $(cut -d' ' -f5 /proc/$$/stat) = $$ && echo own group"},
+                      files);
+    EXPECT_EQ(waitpid(process, nullptr, 0), -1);  // ignored, so nothing is known of it
+    EXPECT_EQ(errno, ECHILD);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    for (const auto& [number, handler] : handlers)
+        std::signal(number, handler);
+    close(files.output);
+    close(high);
+    close(open_one);
+    std::ifstream stream(file);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    // The C library keeps two signals of its own ignored between fork and exec.
+    constexpr unsigned long library = 3UL << 31;
+    EXPECT_EQ(std::stoul(text.substr(text.find("SigBlk:") + 7), nullptr, 16), 0u) << text;
+    EXPECT_EQ(std::stoul(text.substr(text.find("SigIgn:") + 7), nullptr, 16) & ~library, 0u)
+        << text;
+    // The shell's own descriptors, and the one it reads that folder with.
+    EXPECT_NE(text.find("/fd/0 /proc/self/fd/1 /proc/self/fd/2 /proc/self/fd/3\n"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("own group"), std::string::npos) << text;
+}
+
+TEST_F(SpawnTest, TheEnvironmentAndTheArgumentsArriveAsTheyAre) {
+    setenv("ODD", "a b\n\xff'", 1);
+    EXPECT_EQ(output_of("printf '[%s]' \"$ODD\""), "[a b\n\xff']");
+    unsetenv("ODD");
+    errno = 0;
+    EXPECT_EQ(spawn_program(sandbox_.file("missing"), {"missing"}), -1);
+    EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(SpawnTest, OrrinPathsAreLookedUpThereFirstAndByNameNext) {
+    const std::string own = program("orterm");
+    sandbox_.write("data");
+    sandbox_.mkdir("folder");
+    std::array<char, 4096> self{};
+    ASSERT_GT(readlink("/proc/self/exe", self.data(), self.size()), 0);
+    setenv("PATH", ("/nowhere:" + std::string(sandbox_.path())).c_str(), 1);
+    const std::map<std::string, std::string> expected = {
+        {"/usr/orrin/bin/orterm", own},
+        {"orterm", own},
+        {own, own},
+        {"/usr/orrin/bin/dorn", self.data()},
+        {"dorn", ""},
+        {"data", ""},
+        {"folder", ""},
+        {sandbox_.file("data"), ""},
+        {sandbox_.file("folder"), ""},
+        {"/usr/bin/orterm", ""},
+        {"/usr/orrin/bin/", ""},
+        {"/usr/orrin/bin/missing", ""},
+        {"", ""},
+    };
+    for (const auto& [name, found] : expected)
+        EXPECT_EQ(orrin_program(name), found) << name;
+    ASSERT_EQ(chdir(sandbox_.path()), 0);
+    setenv("PATH", "/nowhere::/bin", 1);
+    EXPECT_EQ(orrin_program("orterm"), "./orterm");
+    ASSERT_EQ(chdir("/"), 0);
+    unsetenv("PATH");
+    EXPECT_NE(orrin_program("sh"), "");
+}
+
+}  // namespace
+}  // namespace dorn
