@@ -179,8 +179,9 @@ void take_signals(Session& session) {
     }
 }
 
-/// Whether the window stays after the command's end.
+/// Whether the window stays after the command's end. Our own terminal stays anyway.
 bool wants_key(const Session& session) {
+    if (session.window.own_terminal) return false;
     if (session.options.keep_window) return true;
     if (!session.options.late_window || session.status == 128 + SIGINT) return false;
     return session.status != 0 ||

@@ -60,16 +60,16 @@ void give_up(Window& window) {
 void try_next(Window& window) {
     if (window.emulator > 0) kill(window.emulator, SIGTERM);
     const size_t index = window.next++;
-    const bool own = index == window.candidates.size() && has_own_terminal();
-    if (index >= window.candidates.size() && !own) {
+    window.own_terminal = index == window.candidates.size() && has_own_terminal();
+    if (index >= window.candidates.size() && !window.own_terminal) {
         give_up(window);
         return;
     }
-    if (own) say_no_emulator(window, "going on here");
+    if (window.own_terminal) say_no_emulator(window, "going on here");
     window.deadline = Clock::now() + kStartTime;
     window.emulator = fork();
     if (window.emulator != 0) return;
-    if (own) run_in_own_terminal(window.address);
+    if (window.own_terminal) run_in_own_terminal(window.address);
     run_emulator(emulator_words(window.candidates[index], window.title,
                                 {window.own_path, "--attach", window.address}));
 }

@@ -30,8 +30,9 @@ struct Window {
     Fd listener;
     Fd channel;
     std::vector<Emulator> candidates;
-    size_t next = 0;      ///< the candidate to be tried next; one past them is our own terminal
-    pid_t emulator = -1;  ///< the process that was started last, while it runs
+    size_t next = 0;  ///< the candidate to be tried next; one past them is our own terminal
+    bool own_terminal = false;  ///< the one being tried, or open, is our own
+    pid_t emulator = -1;        ///< the process that was started last, while it runs
     Clock::time_point deadline = Clock::time_point::max();  ///< of the one that is being tried
     Clock::time_point opened;
 };

@@ -154,6 +154,9 @@ class Orterm : public ::testing::Test {
     // Starts orterm with these words, in the sandbox. `before` runs in the child.
     void start(Words words, const std::function<void()>& before = {}) {
         words.insert(words.begin(), kOrterm);
+        start_program(std::move(words), before);
+    }
+    void start_program(Words words, const std::function<void()>& before = {}) {
         process_ = fork();
         if (process_ != 0) return;
         for (const auto& [name, value] : variables_)
@@ -429,6 +432,20 @@ TEST_F(Orterm, WhatTheCommandLeavesRunningLivesOn) {
     sandbox_.write("go");
     EXPECT_TRUE(wait_for_file("after"));
     EXPECT_TRUE(nothing_is_left());
+}
+
+TEST_F(Orterm, WithoutAWindowTheTerminalThatItWasStartedFromServes) {
+    variables_["TERMINAL"] = "";
+    start_program({FAKE_TERMINAL_PROGRAM, "-e", "/bin/sh", "-c",
+                   kOrterm + " -zU sh -c 'echo said; read x; stty size; exit $x'; echo status $?; "
+                             "stty -a; echo over"});
+    const auto screen = window();
+    ASSERT_TRUE(screen && screen->shows("said"));
+    screen->type("5\r");
+    EXPECT_TRUE(screen->shows("over"));
+    EXPECT_NE(screen->text.find("going on here"), std::string::npos) << screen->text;
+    EXPECT_NE(screen->text.find("30 100\r\nstatus 5\r\n"), std::string::npos) << screen->text;
+    EXPECT_NE(screen->text.find(" icanon"), std::string::npos) << screen->text;
 }
 
 TEST_F(Orterm, WithoutAWindowTheOutputGoesToStandardError) {
