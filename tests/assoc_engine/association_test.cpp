@@ -138,6 +138,7 @@ TEST_F(AssociationTest, ABlankCommandOfTheFirstMatchIsNotLookedForFurther) {
 
 // What is alerted goes to the shown screen, so the alerts are told on standard error for the test.
 [[noreturn]] void read_and_tell(const char* directory) {
+    headless::reset();  // the screen is made first, so that it outlives what is told at the end
     std::atexit([] {
         for (const headless::Alert& alert : headless::alerts())
             std::fprintf(stderr, "[%s|%s]\n", alert.title.c_str(), alert.message.c_str());
