@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/wait.h>
 
 namespace dorn {
 namespace {
@@ -123,6 +124,9 @@ void window_dismiss(Window& window) {
         kill(window.emulator, SIGTERM);
     window.listener.reset();
     window.channel.reset();
+    if (!window.own_terminal || window.emulator <= 0) return;
+    while (waitpid(window.emulator, nullptr, 0) < 0 && errno == EINTR)
+        continue;
 }
 
 }  // namespace dorn

@@ -60,7 +60,8 @@ void window_check_deadline(Window& window);
 /// Milliseconds until the deadline.
 int window_patience(const Window& window);
 
-/// Ends an emulator that was started and has not connected, and closes the connection.
+/// Ends an emulator that was started and has not connected, and closes the connection. Our own
+/// terminal is as it was before when this returns.
 void window_dismiss(Window& window);
 
 }  // namespace dorn

@@ -247,6 +247,7 @@ TEST_F(Orterm, ACommandThatCannotBeRunIsTold) {
         const auto screen = window();
         ASSERT_TRUE(screen);
         EXPECT_TRUE(screen->shows(std::string("orterm: ") + words.back().substr(0, 7)));
+        EXPECT_EQ(screen->shows("press Enter"), words[0] == "-U");
         screen->type("\r");
         EXPECT_EQ(status(), expected);
     }
