@@ -9,6 +9,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <sys/resource.h>
@@ -46,7 +47,8 @@ TEST(Pipes, CarryTextBothWaysAndGiveTheStatus) {
     ASSERT_NE(to, nullptr);
     EXPECT_EQ(std::fputs("text", to), 1);
     EXPECT_EQ(dorn::pclose(to), 0);
-    EXPECT_EQ(read_all(std::fopen(sandbox.file("copy").c_str(), "r")), "text");
+    std::ifstream copy(sandbox.file("copy"));
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(copy), {}), "text");
 
     errno = 0;
     EXPECT_EQ(dorn::popen("true", "x"), nullptr);
