@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QTest>
 
 namespace dorn {
 namespace {
@@ -26,10 +27,13 @@ TEST_F(Base, ASignalledRereadLeavesTheUserWhereTheyWork) {
     qt(w_instance("filelist"))->setFocus();
     QWidget dialog;
     dialog.show();
-    QApplication::setActiveWindow(&dialog);
+    dialog.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
     signal_refresh();
     EXPECT_EQ(QApplication::activeWindow(), &dialog);
-    QApplication::setActiveWindow(window_);
+    dialog.hide();
+    window_->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window_));
     signal_refresh();
     EXPECT_EQ(field->currentText(), QString::fromUtf8(sandbox_.path()));
 }
