@@ -5,9 +5,6 @@
 #include "pty.h"
 #include "session.h"
 
-#include <array>
-#include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <getopt.h>
@@ -43,15 +40,10 @@ ended it; 126 when it can't be run; 127 when it is not found, or, without a
 command, when no terminal is.
 )";
 
-/// Where this program lies, for the terminal to start it once more.
-std::string own_path() {
-    std::array<char, PATH_MAX> path;
-    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
-    return length > 0 ? std::string(path.data(), static_cast<size_t>(length)) : "orterm";
-}
-
 /// Becomes the user's terminal. Returns only when there is none: the exit status.
 int become_terminal() {
+    reset_signals();  // what a shell ignores for its background, a terminal's shell would ignore
+                      // too
     for (const Emulator& emulator : find_emulators())
         execv(emulator.program[0].c_str(), exec_words(emulator.program).data());
     std::fputs(
@@ -88,7 +80,6 @@ int run(int argc, char** argv) {
         }
     }
     if (optind == argc) return become_terminal();
-    options.own_path = own_path();
     return session_run(options, {argv + optind, argv + argc});
 }
 

@@ -292,8 +292,7 @@ Fd open_child_signals() {
 
 bool begin(Session& session, const std::vector<std::string>& command) {
     session.signals = open_child_signals();
-    if (!session.signals || !pty_open(session.pty) ||
-        !window_setup(session.window, session.options.own_path, command))
+    if (!session.signals || !pty_open(session.pty) || !window_setup(session.window, command))
         return false;
     session.leader = pty_start(session.pty, command, window_terminal_type(session.window));
     return session.leader >= 0;

@@ -15,7 +15,6 @@ namespace dorn {
 struct SessionOptions {
     bool keep_window = false;  ///< -z
     bool late_window = false;  ///< -U
-    std::string own_path;      ///< of this program
 };
 
 /// Runs the command (not empty) and returns its exit status: 128 and the signal's number for one

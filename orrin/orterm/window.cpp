@@ -6,7 +6,9 @@
 #include "title.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -57,6 +59,15 @@ void give_up(Window& window) {
     window.listener.reset();
 }
 
+/// What the emulator executes to start this program once more. The file may have been deleted or
+/// replaced since the command was started; this process, which stays for all of it, still has it.
+std::string own_path() {
+    std::array<char, PATH_MAX> path{};
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size() - 1);
+    if (length > 0 && access(path.data(), X_OK) == 0) return path.data();
+    return "/proc/" + std::to_string(getpid()) + "/exe";
+}
+
 /// Starts the next candidate, or our own terminal after the last one.
 void try_next(Window& window) {
     if (window.emulator > 0) kill(window.emulator, SIGTERM);
@@ -68,18 +79,17 @@ void try_next(Window& window) {
     }
     if (window.own_terminal) say_no_emulator(window, "going on here");
     window.deadline = Clock::now() + kStartTime;
+    const std::string program = own_path();
     window.emulator = fork();
     if (window.emulator != 0) return;
     if (window.own_terminal) run_in_own_terminal(window.address);
     run_emulator(emulator_words(window.candidates[index], window.title,
-                                {window.own_path, "--attach", window.address}));
+                                {program, "--attach", window.address}));
 }
 
 }  // namespace
 
-bool window_setup(Window& window, const std::string& own_path,
-                  const std::vector<std::string>& command) {
-    window.own_path = own_path;
+bool window_setup(Window& window, const std::vector<std::string>& command) {
     window.title = window_title(command);
     window.candidates = find_emulators();
     window.listener = channel_listen(window.address);

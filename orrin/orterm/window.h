@@ -25,8 +25,7 @@ enum class WindowState {
 struct Window {
     WindowState state = WindowState::kAway;
     std::string title;
-    std::string own_path;  ///< of this program
-    std::string address;   ///< where the attached process connects
+    std::string address;  ///< where the attached process connects
     Fd listener;
     Fd channel;
     std::vector<Emulator> candidates;
@@ -38,8 +37,7 @@ struct Window {
 };
 
 /// Prepares the window of that command without showing it. False with errno set.
-bool window_setup(Window& window, const std::string& own_path,
-                  const std::vector<std::string>& command);
+bool window_setup(Window& window, const std::vector<std::string>& command);
 
 /// The TERM of what will run in it; empty when it is our own terminal.
 std::string window_terminal_type(const Window& window);

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
@@ -265,6 +266,16 @@ TEST_F(Orterm, OutputBringsTheWindow) {
     screen->type("\x1b[1;1R\x1b]11;rgb:0/0/0\x1b\\q");  // the terminal's own reports, and a key
     EXPECT_EQ(status(), 0);
     EXPECT_TRUE(nothing_is_left());
+}
+
+TEST_F(Orterm, TheWindowComesAlsoWhenTheProgramsFileIsGone) {
+    const std::string program = sandbox_.file("copy");
+    std::filesystem::copy_file(kOrterm, program);
+    start_program({program, "-U", "sh", "-c", "rm copy; echo up; read x"});
+    const auto screen = window();
+    ASSERT_TRUE(screen && screen->shows("up"));
+    screen->type("\r");
+    EXPECT_EQ(status(), 0);
 }
 
 TEST_F(Orterm, WaitingForInputBringsTheWindow) {
