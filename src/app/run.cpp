@@ -18,6 +18,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <sys/prctl.h>
 
 namespace dorn {
 
@@ -100,6 +101,9 @@ int dorn_run(int argc, char** argv, void (*ready)()) {
     if (const int status = show_help(options, error, program_name(argv[0])); status != 0)
         return status - 1;
     choose_server(options.server);
+    // Other instances' refresh finds us by this name, whatever the file is called that was
+    // executed.
+    prctl(PR_SET_NAME, "dorn");
     ui_setup_icon_theme();
     int qt_argc = 1;  // no option of the toolkit's own may take one of ours
     QApplication application(qt_argc, argv);

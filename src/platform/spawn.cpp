@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::string_view kOrrinFolder = "/usr/orrin/bin/";
 constexpr const char* kBuildTreeAdaptors = "../orrin";
+constexpr const char* kRunning = "/proc/self/exe";
 constexpr int kFirstOwnDescriptor = 3;
 
 bool is_executable_file(const std::string& path) {
@@ -29,7 +30,7 @@ bool is_executable_file(const std::string& path) {
 
 std::string running_executable() {
     std::array<char, PATH_MAX> path;
-    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    const ssize_t length = readlink(kRunning, path.data(), path.size());
     if (length <= 0 || static_cast<std::size_t>(length) == path.size()) return {};
     return std::string(path.data(), static_cast<std::size_t>(length));
 }
@@ -110,6 +111,8 @@ std::string orrin_program(const std::string& program) {
     if (name == "dorn") {
         const std::string running = running_executable();
         if (is_executable_file(running)) return running;
+        // Deleted, or replaced by another build. The child that executes it runs the same file.
+        if (is_executable_file(kRunning)) return kRunning;
     }
     return find_program(name, search_path());
 }
@@ -121,7 +124,10 @@ void orrin_append_adaptors_to_path() {
         std::array<char, PATH_MAX> path;
         if (realpath((folder + adaptors).c_str(), path.data()) == nullptr) continue;
         if (!is_executable_file(std::string(path.data()) + "/orterm")) continue;
-        setenv("PATH", (search_path() + ":" + path.data()).c_str(), 1);
+        const std::string before = search_path();
+        // Inherited from the window that started this one, it is there already.
+        if ((":" + before + ":").find(std::string(":") + path.data() + ":") == std::string::npos)
+            setenv("PATH", (before + ":" + path.data()).c_str(), 1);
         return;
     }
 }

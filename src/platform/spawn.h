@@ -12,8 +12,8 @@ namespace dorn {
 
 /// The program that an Orrin path or a bare name stands for: an absolute path that is executable is
 /// taken as it is; one under /usr/orrin/bin that is not there is looked up by its last component
-/// along PATH, "dorn" being the running executable; a name without "/" is looked up along PATH.
-/// Empty when there is none.
+/// along PATH, "dorn" being the running executable, even when its file has been deleted or
+/// replaced; a name without "/" is looked up along PATH. Empty when there is none.
 std::string orrin_program(const std::string& program);
 
 /// The executable file `name` in the first of the colon-separated `folders` that has it (an empty
@@ -22,7 +22,8 @@ std::string find_program(const std::string& name, const std::string& folders);
 
 /// Appends the folder of the adaptor programs to PATH, so that a real command of such a name wins.
 /// The folder is the installation's libexec folder beside the running executable's, or orrin/ there
-/// when that is a build tree's. Without one PATH stays. Called once at start-up.
+/// when that is a build tree's. Without one, or with it there already, PATH stays. Called once at
+/// start-up.
 void orrin_append_adaptors_to_path();
 
 /// What a child's standard descriptors are; -1 leaves ours.

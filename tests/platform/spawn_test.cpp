@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
@@ -100,6 +101,31 @@ TEST_F(SpawnTest, TheEnvironmentAndTheArgumentsArriveAsTheyAre) {
     errno = 0;
     EXPECT_EQ(spawn_program(sandbox_.file("missing"), {"missing"}), -1);
     EXPECT_EQ(errno, ENOENT);
+}
+
+// Within a copy of this program: it is deleted and started again.
+void start_again_without_file() {
+    std::array<char, 4096> self{};
+    ASSERT_GT(readlink("/proc/self/exe", self.data(), self.size()), 0);
+    ASSERT_EQ(unlink(self.data()), 0);
+    const int process =
+        spawn_program(orrin_program("/usr/orrin/bin/dorn"), {"dorn", "--gtest_list_tests"});
+    int status = -1;
+    ASSERT_EQ(waitpid(process, &status, 0), process);
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(SpawnTest, TheRunningProgramStartsAgainWhenItsFileIsGone) {
+    if (std::getenv("DORN_TEST_IN_COPY") != nullptr) {
+        start_again_without_file();
+        return;
+    }
+    const std::string copy = sandbox_.file("copy");
+    std::filesystem::copy_file("/proc/self/exe", copy);
+    const std::string told =
+        output_of("DORN_TEST_IN_COPY=1 " + copy + " --gtest_filter='*WhenItsFileIsGone'");
+    EXPECT_NE(told.find("[  PASSED  ] 1 test"), std::string::npos) << told;
+    EXPECT_NE(told.find("SpawnTest.\n"), std::string::npos) << told;
 }
 
 TEST_F(SpawnTest, OrrinPathsAreLookedUpThereFirstAndByNameNext) {
