@@ -4,10 +4,12 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+namespace {
+
+void parse(std::string_view bytes) {
     dorn::Config config;
-    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     const uint32_t encoding = dorn::config_parse(config, bytes);
     if ((encoding & ~dorn::kEncodingMask) != 0) std::abort();
     if (strnlen(config.edit_cmd, sizeof config.edit_cmd) == sizeof config.edit_cmd) std::abort();
@@ -15,5 +17,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (config.alt_encoding[sizeof config.alt_encoding - 1] != '\0') std::abort();
     const bool hidden = (config.flags & dorn::kHideDotFiles) != 0;
     if (hidden != ((dorn::gOptions & dorn::kOptionDotEntries) == 0)) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    parse(bytes);
+    // A whole record, which no fuzzer grows by itself in a short run: the bytes over and over, the
+    // first four of them as the flags.
+    std::string record;
+    while (!bytes.empty() && record.size() < sizeof(dorn::Config))
+        record += bytes;
+    record.resize(sizeof(dorn::Config));
+    if (bytes.size() >= 4)
+        bytes.substr(0, 4).copy(record.data() + offsetof(dorn::Config, flags), 4);
+    parse(record);
     return 0;
 }
