@@ -6,8 +6,9 @@
 
 namespace dorn {
 
-/// Writes one piece of the permission text, without a NUL: part 0 the type (1 byte), 1 owner, 2
-/// group, 3 others (3 bytes each), 4 the sticky mark (1 byte). Other parts write nothing.
+/// Writes one piece of the permission text, without a NUL. `part` says which: 0 is the type (1
+/// byte), 1 the owner's, 2 the group's, 3 the others' (3 bytes each), 4 the sticky mark (1 byte).
+/// Others write nothing.
 void dir_get_permissions(uint32_t mode, char* out, int part);
 
 /// A size in bytes as "%.1fMB", "%.1fKB" or "%ld bytes", in a static buffer that the next call
