@@ -405,13 +405,17 @@ TEST_F(Orterm, OnlyOneProcessIsAttached) {
     ASSERT_TRUE(screen && screen->shows("up"));
     const std::string address = words_of(screen->emulator).back();
     EXPECT_TRUE(address.starts_with("orterm-"));
-    EXPECT_EQ(read_file("/proc/net/unix").find(address + "\n"),
-              read_file("/proc/net/unix").rfind(address + "\n"));
+    const auto sockets = [] { return read_file("/proc/net/unix"); };
+    EXPECT_TRUE(wait_until([&] {
+        const std::string open = sockets();
+        return open.find(address + "\n") == open.rfind(address + "\n");
+    }));
     const std::string again = kOrterm + " --attach " + address + " 2>/dev/null";
     EXPECT_EQ(WEXITSTATUS(std::system(again.c_str())), 1);
     screen->type("\r");
     EXPECT_EQ(status(), 0);
-    EXPECT_EQ(read_file("/proc/net/unix").find(address), std::string::npos);
+    // The window's end of the connection goes a moment after the command's.
+    EXPECT_TRUE(wait_until([&] { return sockets().find(address) == std::string::npos; }));
 }
 
 TEST_F(Orterm, TheCommandInheritsNeitherDescriptorsNorSignals) {
