@@ -24,6 +24,9 @@ int ui_alert(Widget* parent, const char* title, const char* message, const char*
 /// title, otherwise the widget's text. Returns the number of bytes formatted, -1 for a null widget.
 [[gnu::format(printf, 2, 3)]] int wprintf(Widget* widget, const char* format, ...);
 
+/// Shows `percent` (0 to 100) in a progress bar. A null widget: nothing.
+void wpercent(Widget* widget, int percent);
+
 /// With `on` == 1 the widget and its children take no input and show a busy cursor, and their
 /// window is marked as blocked; any other `on` undoes that. A null widget: nothing.
 void wblock(Widget* widget, int on);

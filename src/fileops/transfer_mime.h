@@ -1,0 +1,22 @@
+// File lists as the toolkit's drag and clipboard data. Event-loop thread.
+#pragma once
+
+#include "fileops/engine/transfer.h"
+
+#include <memory>
+
+class QMimeData;
+
+namespace dorn {
+
+/// Data that offers the list under every type, packed when asked for. The caller owns it.
+QMimeData* transfer_mime_data(std::shared_ptr<const FileTransfer> transfer, bool cut);
+
+/// Whether the data names a type that we read (its data may still turn out to be none).
+bool transfer_mime_offered(const QMimeData* data);
+
+/// The lists in `data`, of the most telling type that has any. `own`, unless null, receives whether
+/// they came in our own packed form.
+TransferLists transfer_from_mime(const QMimeData* data, bool* own = nullptr);
+
+}  // namespace dorn
