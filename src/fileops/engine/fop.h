@@ -19,6 +19,9 @@ FileOp* fop(int32_t kind, const char* directory, const std::vector<std::string>&
             const char* destination, uint32_t flags, const SlotDisplay* display,
             int (*on_item_done)(const char* directory, const char* name));
 
+/// Frees the record and all that it owns; the worker's last act.
+void free_op(FileOp* op);
+
 /// The body of the operation's thread. `op` is a FileOp, gone when this returns. Returns null.
 void* fop_thread(void* op);
 
