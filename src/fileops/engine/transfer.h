@@ -39,11 +39,15 @@ std::string transfer_pack(const FileTransfer& transfer, bool cut, const char* ty
 struct TransferLists {
     bool cut = false;
     std::vector<FileTransfer> lists;
-    int foreign = 0;  // entries that are no local files ("sftp:", "trash:", ...), left out
+    int foreign = 0;  // entries left out: no local files ("sftp:", ...), or without a name ("/")
+    std::vector<std::string> left_out;  // the first few of these, for people to read
 };
 
+inline constexpr std::size_t kLeftOutNamed = 5;  // entries that left_out holds at most
+
 /// Reads `bytes` of one of the types above; malformed bytes give no list. `kde_cut` is the data of
-/// kTypeKdeCut, which says of a kTypeUriList whether it was cut.
+/// kTypeKdeCut, which says of a kTypeUriList whether it was cut. Of kTypeText only the form that
+/// begins with a line "x-special/nautilus-clipboard" is a list.
 TransferLists transfer_unpack(std::string_view bytes, const char* type,
                               std::string_view kde_cut = {});
 
