@@ -8,6 +8,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QScreen>
 
 #include <array>
@@ -81,6 +82,11 @@ int wprintf(Widget* widget, const char* format, ...) {
     else if (auto* button = qobject_cast<QAbstractButton*>(target))
         button->setText(text);
     return static_cast<int>(bytes.size());
+}
+
+void wpercent(Widget* widget, int percent) {
+    if (auto* bar = qobject_cast<QProgressBar*>(qt(widget)); bar != nullptr)
+        bar->setValue(qBound(0, percent, 100));
 }
 
 Area centred_area(const Area& parent, const Area& child, const Area& console) {

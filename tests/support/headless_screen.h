@@ -1,6 +1,7 @@
 // A screen without a screen: the functions of ui/ that engine code calls, for its tests.
 //
-// What would have been shown is recorded; questions are answered from a script.
+// What would have been shown is recorded; questions are answered from a script. The gate of
+// ui/lock.h runs works on the calling thread, one at a time. All of it from any thread.
 #pragma once
 
 #include "ui/widget.h"
@@ -24,11 +25,28 @@ void reset();
 std::vector<std::string> texts(const std::string& instance);
 
 /// The alerts shown, oldest first.
-const std::vector<Alert>& alerts();
+std::vector<Alert> alerts();
 
 /// The answers to the coming questions, in order; where they run out an alert takes its escape
 /// button, as if it had been closed.
 void answer(std::vector<int> buttons);
+
+/// Called at each alert, on its thread, before it is recorded and answered: for what happens on the
+/// disk while a question is open. It may script the answer.
+void on_alert(std::function<void(const Alert&)> hook);
+
+/// How many redraws (ui_try_locked) have been run.
+int redraws();
+
+/// Holds the gate while it lives, as an open question does: redraws of other threads are turned
+/// away, their questions wait.
+class GateHeld {
+  public:
+    GateHeld();
+    ~GateHeld();
+    GateHeld(const GateHeld&) = delete;
+    GateHeld& operator=(const GateHeld&) = delete;
+};
 
 /// Called whenever the engine serves the event loop; how often that was.
 void on_background(std::function<void()> hook);
