@@ -1,9 +1,11 @@
 #include "support/faults.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <condition_variable>
 #include <cstdarg>
 #include <fcntl.h>
+#include <filesystem>
 #include <map>
 #include <mutex>
 #include <sys/stat.h>
@@ -14,24 +16,58 @@ namespace dorn {
 
 namespace {
 
+struct Counted {
+    Fault fault;
+    int calls = 0;  // that it is for
+};
+
 std::mutex sMutex;
 std::condition_variable sChanged;
 bool sActive = false;
-std::vector<Fault> sFaults;
+std::vector<Counted> sFaults;
 std::map<std::string, int> sCalls;
 int sHanging = 0;
+thread_local bool sInHook = false;
+
+/// The base name of what a call is for.
+std::string subject(const char* path) {
+    return std::filesystem::path(path == nullptr ? "" : path).filename();
+}
+std::string subject(int fd) {
+    std::error_code ignored;
+    return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), ignored).filename();
+}
+
+template <typename Subject>
+bool is_for(const Fault& fault, const char* call, Subject what) {
+    if (fault.call != "*" && fault.call != call) return false;
+    return fault.name.empty() || fault.name == subject(what);
+}
 
 /// Counts the call. Its fault, or 0 when it is to go through.
-int fault_of(const char* call) {
+template <typename Subject>
+int fault_of(const char* call, Subject what) {
+    if (sInHook) return 0;
     std::unique_lock lock(sMutex);
     if (!sActive) return 0;
-    const int nth = ++sCalls[call];
-    const int nth_of_all = ++sCalls["*"];
+    ++sCalls[call];
+    ++sCalls["*"];
     int error = 0;
-    for (const Fault& fault : sFaults) {
-        const bool of_all = fault.call == "*";
-        if (!of_all && fault.call != call) continue;
-        if (fault.nth == 0 || fault.nth == (of_all ? nth_of_all : nth)) error = fault.error;
+    std::function<void()> before;
+    for (Counted& counted : sFaults) {
+        const Fault& fault = counted.fault;
+        if (!is_for(fault, call, what)) continue;
+        ++counted.calls;
+        if (fault.nth != 0 && fault.nth != counted.calls) continue;
+        error = fault.error;
+        before = fault.before;
+    }
+    if (before) {
+        lock.unlock();
+        sInHook = true;
+        before();
+        sInHook = false;
+        lock.lock();
     }
     if (error == kDie) _exit(9);
     if (error != kHang) return error;
@@ -43,17 +79,28 @@ int fault_of(const char* call) {
 }
 
 /// Whether the call fails; errno says with what.
-bool fails(const char* call) {
-    const int error = fault_of(call);
-    if (error > 0) errno = error;
+template <typename Subject>
+bool fails(const char* call, Subject what) {
+    const int before = errno;
+    const int error = fault_of(call, what);
+    errno = error > 0 ? error : before;
     return error > 0;
+}
+
+/// How long to sleep instead, in microseconds.
+useconds_t cut_sleep(useconds_t time) {
+    constexpr useconds_t kMoment = 1000;
+    const std::lock_guard lock(sMutex);
+    return sActive ? std::min(time, kMoment) : time;
 }
 
 }  // namespace
 
 Faults::Faults(std::vector<Fault> faults) {
     const std::lock_guard lock(sMutex);
-    sFaults = std::move(faults);
+    sFaults.clear();
+    for (Fault& fault : faults)
+        sFaults.push_back({std::move(fault)});
     sCalls.clear();
     sActive = true;
 }
@@ -72,61 +119,91 @@ int Faults::calls(const std::string& call) const {
 
 }  // namespace dorn
 
-// The linker sends each call of `name` to __wrap_name, and __real_name to the system's.
+// The linker sends each call of `name` to __wrap_name, and __real_name to the system's. `subject`
+// is the parameter that says which file it is for.
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
-#define DORN_WRAP(result, name, parameters, arguments) \
-    result __real_##name parameters;                   \
-    result __wrap_##name parameters {                  \
-        if (dorn::fails(#name)) return -1;             \
-        return __real_##name arguments;                \
+#define DORN_WRAP(result, name, parameters, arguments, subject) \
+    result __real_##name parameters;                            \
+    result __wrap_##name parameters {                           \
+        if (dorn::fails(#name, subject)) return -1;             \
+        return __real_##name arguments;                         \
     }
 
 extern "C" {
-DORN_WRAP(int, access, (const char* path, int mode), (path, mode))
-DORN_WRAP(int, fchmod, (int fd, mode_t mode), (fd, mode))
-DORN_WRAP(int, fchown, (int fd, uid_t user, gid_t group), (fd, user, group))
-DORN_WRAP(int, fsync, (int fd), (fd))
-DORN_WRAP(int, ftruncate, (int fd, off_t length), (fd, length))
-DORN_WRAP(int, rename, (const char* from, const char* to), (from, to))
-DORN_WRAP(int, unlink, (const char* path), (path))
-DORN_WRAP(ssize_t, getdents64, (int fd, void* buffer, size_t length), (fd, buffer, length))
+DORN_WRAP(int, access, (const char* path, int mode), (path, mode), path)
+DORN_WRAP(int, fchmod, (int fd, mode_t mode), (fd, mode), fd)
+DORN_WRAP(int, fchmodat, (int at, const char* path, mode_t mode, int flags),
+          (at, path, mode, flags), path)
+DORN_WRAP(int, fchown, (int fd, uid_t user, gid_t group), (fd, user, group), fd)
+DORN_WRAP(int, fchownat, (int at, const char* path, uid_t user, gid_t group, int flags),
+          (at, path, user, group, flags), path)
+DORN_WRAP(int, fstat, (int fd, struct stat* status), (fd, status), fd)
+DORN_WRAP(int, fstatat, (int at, const char* path, struct stat* status, int flags),
+          (at, path, status, flags), path)
+DORN_WRAP(int, fsync, (int fd), (fd), fd)
+DORN_WRAP(int, ftruncate, (int fd, off_t length), (fd, length), fd)
+DORN_WRAP(int, futimens, (int fd, const timespec* times), (fd, times), fd)
+DORN_WRAP(off_t, lseek, (int fd, off_t offset, int whence), (fd, offset, whence), fd)
+DORN_WRAP(int, lstat, (const char* path, struct stat* status), (path, status), path)
+DORN_WRAP(int, mkdirat, (int at, const char* path, mode_t mode), (at, path, mode), path)
+DORN_WRAP(int, mkfifoat, (int at, const char* path, mode_t mode), (at, path, mode), path)
+DORN_WRAP(ssize_t, readlinkat, (int at, const char* path, char* text, size_t size),
+          (at, path, text, size), path)
+DORN_WRAP(int, rename, (const char* from, const char* to), (from, to), from)
+DORN_WRAP(int, renameat, (int from_at, const char* from, int to_at, const char* to),
+          (from_at, from, to_at, to), from)
+DORN_WRAP(int, renameat2,
+          (int from_at, const char* from, int to_at, const char* to, unsigned flags),
+          (from_at, from, to_at, to, flags), from)
+DORN_WRAP(int, stat, (const char* path, struct stat* status), (path, status), path)
+DORN_WRAP(int, symlinkat, (const char* target, int at, const char* path), (target, at, path), path)
+DORN_WRAP(int, unlink, (const char* path), (path), path)
+DORN_WRAP(int, unlinkat, (int at, const char* path, int flags), (at, path, flags), path)
+DORN_WRAP(int, utimensat, (int at, const char* path, const timespec* times, int flags),
+          (at, path, times, flags), path)
+DORN_WRAP(ssize_t, getdents64, (int fd, void* buffer, size_t length), (fd, buffer, length), fd)
 DORN_WRAP(int, statx, (int fd, const char* path, int flags, unsigned mask, struct statx* status),
-          (fd, path, flags, mask, status))
+          (fd, path, flags, mask, status), path)
 
-int __real_open(const char* path, int flags, ...);
-int __wrap_open(const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    if (dorn::fails("open")) return -1;
-    return __real_open(path, flags, mode);
-}
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage)
+#define DORN_WRAP_OPEN(name, parameters, arguments)                                          \
+    int __real_##name parameters;                                                            \
+    int __wrap_##name parameters {                                                           \
+        va_list more;                                                                        \
+        va_start(more, flags);                                                               \
+        const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(more, mode_t) : 0; \
+        va_end(more);                                                                        \
+        if (dorn::fails(#name, path)) return -1;                                             \
+        return __real_##name arguments;                                                      \
+    }
+DORN_WRAP_OPEN(open, (const char* path, int flags, ...), (path, flags, mode))
+DORN_WRAP_OPEN(openat, (int at, const char* path, int flags, ...), (at, path, flags, mode))
 
 // A close that fails has closed.
 int __real_close(int fd);
 int __wrap_close(int fd) {
-    const int error = dorn::fault_of("close");
+    const int error = dorn::fault_of("close", fd);
     const int result = __real_close(fd);
     if (error <= 0) return result;
     errno = error;
     return -1;
 }
 
-ssize_t __real_write(int fd, const void* data, size_t length);
-ssize_t __wrap_write(int fd, const void* data, size_t length) {
-    const int error = dorn::fault_of("write");
-    if (error > 0) errno = error;
-    if (error > 0) return -1;
-    return __real_write(fd, data, error == dorn::kShort ? length / 2 : length);
-}
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage)
+#define DORN_WRAP_TRANSFER(name, pointer)                                                  \
+    ssize_t __real_##name(int fd, pointer data, size_t length);                            \
+    ssize_t __wrap_##name(int fd, pointer data, size_t length) {                           \
+        const int error = dorn::fault_of(#name, fd);                                       \
+        if (error > 0) errno = error;                                                      \
+        if (error > 0) return -1;                                                          \
+        return __real_##name(fd, data, error == dorn::kShort ? (length + 1) / 2 : length); \
+    }
+DORN_WRAP_TRANSFER(write, const void*)
+DORN_WRAP_TRANSFER(read, void*)
 
-ssize_t __real_read(int fd, void* data, size_t length);
-ssize_t __wrap_read(int fd, void* data, size_t length) {
-    const int error = dorn::fault_of("read");
-    if (error > 0) errno = error;
-    if (error > 0) return -1;
-    return __real_read(fd, data, error == dorn::kShort ? length / 2 : length);
+int __real_usleep(useconds_t time);
+int __wrap_usleep(useconds_t time) {
+    return __real_usleep(dorn::cut_sleep(time));
 }
 }
 // NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
