@@ -1,16 +1,15 @@
 // zap on real processes: which it reaches, and which it leaves alone.
+#include "support/child.h"
+
 #include <cerrno>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
-#include <map>
-#include <string>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 namespace dorn {
 namespace {
@@ -76,21 +75,14 @@ bool refuse_process_descriptors() {
            prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-int zap(std::vector<std::string> arguments, bool old_kernel = false) {
-    const pid_t child = fork();
-    if (child == 0) {
+int zap(Words arguments, bool old_kernel = false) {
+    arguments.insert(arguments.begin(), DORN_ADAPTORS "/zap");
+    ChildSetting setting;
+    setting.errors = "/dev/null";
+    setting.before = [old_kernel] {
         if (old_kernel && !refuse_process_descriptors()) _exit(97);
-        std::string program = DORN_ADAPTORS "/zap";
-        std::vector<char*> argv = {program.data()};
-        for (std::string& argument : arguments)
-            argv.push_back(argument.data());
-        argv.push_back(nullptr);
-        if (freopen("/dev/null", "w", stderr) != nullptr) execv(program.c_str(), argv.data());
-        _exit(98);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + status;
+    };
+    return end_of_child(start_child(arguments, setting));
 }
 
 TEST(Zap, EveryProcessOfTheNameIsReachedAndNoOther) {

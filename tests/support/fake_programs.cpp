@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <sstream>
 #include <sys/prctl.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 
 namespace dorn {
@@ -14,16 +12,10 @@ namespace dorn {
 namespace {
 
 std::vector<std::string> split_at_nul(const std::string& text) {
+    std::istringstream stream(text);
     std::vector<std::string> parts;
-    std::string part;
-    for (const char c : text) {
-        if (c != '\0') {
-            part += c;
-            continue;
-        }
+    for (std::string part; std::getline(stream, part, '\0');)
         parts.push_back(part);
-        part.clear();
-    }
     return parts;
 }
 
@@ -45,10 +37,8 @@ FakePrograms::~FakePrograms() {
 }
 
 void FakePrograms::add(const std::string& name, const std::string& then) const {
-    const std::string script = "bin/" + name;
-    sandbox_.write(script, "#!/bin/sh\n{ for a in \"$@\"; do printf '%s\\0' \"$a\"; done; } >'" +
-                               sandbox_.file("runs/") + name + ".'$$\n" + then + "\n");
-    chmod(sandbox_.file(script).c_str(), 0755);
+    sandbox_.script("bin/" + name, "{ for a in \"$@\"; do printf '%s\\0' \"$a\"; done; } >'" +
+                                       sandbox_.file("runs/") + name + ".'$$\n" + then);
 }
 
 void FakePrograms::wait() {
@@ -60,8 +50,7 @@ FakePrograms::Runs FakePrograms::runs(const std::string& name) const {
     Runs found;
     for (const auto& file : std::filesystem::directory_iterator(sandbox_.file("runs"))) {
         if (file.path().stem() != name) continue;
-        std::ifstream stream(file.path(), std::ios::binary);
-        found.push_back(split_at_nul(std::string(std::istreambuf_iterator<char>(stream), {})));
+        found.push_back(split_at_nul(read_file(file.path())));
         std::filesystem::remove(file.path());
     }
     std::sort(found.begin(), found.end());

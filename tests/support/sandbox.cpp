@@ -8,6 +8,11 @@
 
 namespace dorn {
 
+std::string read_file(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
 Sandbox::Sandbox() : path_((std::filesystem::temp_directory_path() / "dorn-XXXXXX").string()) {
     if (mkdtemp(path_.data()) == nullptr) std::abort();
 }
@@ -23,6 +28,15 @@ std::string Sandbox::file(const std::string& name) const {
 
 void Sandbox::write(const std::string& name, const std::string& content) const {
     std::ofstream(file(name), std::ios::binary) << content;
+}
+
+void Sandbox::script(const std::string& name, const std::string& lines) const {
+    write(name, "#!/bin/sh\n" + lines + "\n");
+    if (chmod(file(name).c_str(), 0755) != 0) std::abort();
+}
+
+std::string Sandbox::read(const std::string& name) const {
+    return read_file(file(name));
 }
 
 void Sandbox::mkdir(const std::string& name) const {

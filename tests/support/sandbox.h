@@ -5,6 +5,9 @@
 
 namespace dorn {
 
+/// The content of any file, empty where there is none.
+std::string read_file(const std::string& path);
+
 class Sandbox {
   public:
     Sandbox();
@@ -23,6 +26,12 @@ class Sandbox {
     void write(const std::string& name, const std::string& content = {}) const;
     void mkdir(const std::string& name) const;
     void link(const std::string& target, const std::string& name) const;
+
+    /// Makes an executable shell script of these lines.
+    void script(const std::string& name, const std::string& lines) const;
+
+    /// The content of a file, empty where there is none.
+    std::string read(const std::string& name) const;
 
   private:
     std::string path_;
