@@ -29,12 +29,13 @@ void base_get_window_metrics(Config* config);
 void base_set_divider_metrics(const Config* config);
 void base_get_divider_metrics(Config* config);
 
-/// The Exit command.
+/// The Exit command: ends the program, or, while operations run, hides the main window, and the
+/// program ends with the last of them. Returns 0.
 int fm_exit();
 
 /// The window-change signal: re-reads the shown directory unless the main window is closed.
 void signal_refresh();
-/// A terminating signal: saves and ends the program.
+/// A terminating signal: saves, cancels every operation, and ends the program when they have ended.
 void signal_terminate();
 
 /// Binds the key section "filelist" to the list.

@@ -2,11 +2,10 @@
 #include "app/base.h"
 #include "config/history.h"
 #include "dirmodel/dir_read.h"
-#include "filelist/filelist.h"
+#include "fileops/slots.h"
 #include "hotlist/hotlist_tree.h"
 #include "ui/qt_widget.h"
 
-#include <QApplication>
 #include <QWidget>
 
 namespace dorn {
@@ -36,14 +35,21 @@ int base_closing() {
 }
 
 int fm_exit() {
-    if (base_window_closed != 0) return 0;
-    if (QWidget* base = qt(w_instance("base")); base != nullptr) base->close();
+    QWidget* base = qt(w_instance("base"));
+    if (base_window_closed != 0 || base == nullptr) return 0;
+    if (n_slots == 0) {
+        base->close();
+        return 0;
+    }
+    base_closing();
+    base->hide();
     return 0;
 }
 
 void signal_terminate() {
     base_closing();
-    QApplication::quit();
+    if (QWidget* base = qt(w_instance("base")); base != nullptr) base->hide();
+    slot_terminate_all(n_slots);
 }
 
 }  // namespace dorn

@@ -109,6 +109,8 @@ int dorn_run(int argc, char** argv, void (*ready)()) {
     QApplication application(qt_argc, argv);
     QApplication::setApplicationName(QStringLiteral("dorn"));
     QGuiApplication::setDesktopFileName(QStringLiteral("dorn"));
+    // Operations outlive the main window, and a window that tells of a failed one outlives nothing.
+    QApplication::setQuitOnLastWindowClosed(false);
     keep_formats();
     look_after_style();
 

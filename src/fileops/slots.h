@@ -8,12 +8,22 @@
 #include "fileops/engine/file_op.h"
 
 #include <cstdint>
+#include <memory>
+#include <vector>
 
 namespace dorn {
 
 inline constexpr int kMaxSlots = 50;
 
-/// Slots in use.
+/// One slot of the table.
+struct Slot {
+    SlotDisplay display;   // its panel names the slot
+    int32_t removed = 0;   // the operation has ended; the timer is to take the slot away
+    FileOp* op = nullptr;  // null: not started yet, failed to start, or ended
+};
+
+/// Slots in use, newest first.
+extern std::vector<std::unique_ptr<Slot>> slot;
 extern int n_slots;
 
 /// Makes a slot at the top and shows the window. Returns its display record, owned here and valid
@@ -34,8 +44,9 @@ int slot_remove(Widget* panel);
 /// list, and ends the program after the last one when the main window is closed.
 void slot_timer();
 
-/// Ends the program when there are no slots; else cancels `count` operations, and the program ends
-/// when the last slot has gone.
+/// Ends the program when no operation runs; else cancels those of the first `count` slots, closes
+/// the questions that are open with their escape buttons, and the program ends when the last slot
+/// has gone. One that failed to start keeps nothing alive.
 void slot_terminate_all(int count);
 
 /// Sets what slot_timer and slot_terminate_all do to end the program, and whether the main window

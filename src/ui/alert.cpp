@@ -3,6 +3,7 @@
 #include "ui/qt_widget.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -54,6 +55,12 @@ int ui_alert(Widget* parent, const char* title, const char* message, const char*
     box.exec();
     const qsizetype index = pressed.indexOf(static_cast<QPushButton*>(box.clickedButton()));
     return static_cast<int>(index >= 0 ? index : pressed.indexOf(escape)) + 1;
+}
+
+void ui_close_questions() {
+    while (QWidget* question = QApplication::activeModalWidget()) {
+        if (!question->close()) return;
+    }
 }
 
 }  // namespace dorn

@@ -13,6 +13,10 @@ namespace dorn {
 /// button. Title and message are plain text, whatever they hold.
 int ui_alert(Widget* parent, const char* title, const char* message, const char* buttons);
 
+/// Closes every alert and modal dialog that is up, as the user would: alerts take their escape
+/// button.
+void ui_close_questions();
+
 /// An alert with the one button "&Continue". The message is cut at 255 bytes. Returns 1.
 [[gnu::format(printf, 3, 4)]] int wreport(Widget* parent, const char* title, const char* format,
                                           ...);

@@ -1,0 +1,40 @@
+#include "fileops/start.h"
+
+#include "config/config.h"
+#include "fileops/engine/cut_list.h"
+#include "fileops/engine/fop.h"
+#include "fileops/engine/prompts.h"
+#include "fileops/long_filename.h"
+#include "fileops/slots.h"
+
+#include <cerrno>
+#include <cstdio>
+
+namespace dorn {
+
+int _file_op(int32_t kind, std::unique_ptr<FileTransfer> transfer, const char* destination) {
+    return fop_start_cmd(kind, transfer->directory.c_str(), transfer->names, destination);
+}
+
+int fop_start_cmd(int32_t kind, const char* directory, const std::vector<std::string>& names,
+                  const char* destination) {
+    fop_set_ended_cb(slot_mark_removed);
+    fop_set_long_name_cb(long_filename_ask);
+    const SlotDisplay* display = slot_add();
+    if (display == nullptr) return -1;
+    Widget* const panel = display->panel;
+    file_get_cut_files();
+    const auto count = static_cast<int32_t>(names.size());
+    const uint32_t flags = fop_request_flags(kind, count, one_dir_packed, gConfig->flags);
+    FileOp* op = fop(kind, directory, names, destination, flags, display,
+                     kind == kFopCopy ? nullptr : file_uncut);
+    const int error = errno;
+    slot_set_op(panel, op);
+    if (op != nullptr) return 0;
+    std::fprintf(stderr, "failed to start operation!\n");
+    errno = error;
+    std::perror("dorn");
+    return -1;
+}
+
+}  // namespace dorn
