@@ -7,19 +7,6 @@
 namespace dorn {
 namespace {
 
-TEST(PathProbe, DirectoriesAreToldFromOtherPaths) {
-    const Sandbox sandbox;
-    sandbox.mkdir("d");
-    sandbox.write("f");
-    sandbox.link("d", "to-folder");
-    sandbox.link("nowhere", "dangling");
-    EXPECT_GT(fs_path_is_directory(sandbox.path()), 0);
-    EXPECT_GT(fs_path_is_directory(sandbox.file("to-folder").c_str()), 0);
-    EXPECT_EQ(fs_path_is_directory(sandbox.file("f").c_str()), 0);
-    EXPECT_EQ(fs_path_is_directory(sandbox.file("dangling").c_str()), -1);
-    EXPECT_EQ(fs_path_is_directory(""), -1);
-}
-
 TEST(PathProbe, SubdirectoriesAreFoundBehindNamesAndLinks) {
     const Sandbox sandbox;
     for (const char* name : {"empty", "files", "folder", "linked"})

