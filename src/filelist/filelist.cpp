@@ -25,7 +25,8 @@ namespace {
 
 Timer ftimer;
 bool sReading = false;
-bool sReadAgain = false;  // a refresh was asked for while one was running
+bool sReadAgain = false;  // a refresh was asked for that could not be done yet
+int sHolds = 0;           // that keep refreshes waiting
 std::string last_path;    // the directory that the list showed last
 
 void timer_expired(Timer*, void*) {
@@ -71,6 +72,14 @@ int refresh_once() {
     return show_idle_status();
 }
 
+// By way of the event loop, so that a storm of requests never keeps the user from it.
+void refresh_later() {
+    if (gPane.view == nullptr) return;
+    QTimer::singleShot(0, gPane.view, [] {
+        if (sReadAgain) fl_refresh();
+    });
+}
+
 }  // namespace
 
 void fl_setup() {
@@ -89,20 +98,22 @@ bool fl_is_reading() {
 }
 
 int fl_refresh() {
-    if (sReading) {
+    if (sReading || sHolds > 0) {
         sReadAgain = true;
         return 0;
     }
     fl_cache();
     sReading = true;
+    sReadAgain = false;
     const int result = refresh_once();
     sReading = false;
-    if (sReadAgain) {
-        sReadAgain = false;
-        // By way of the event loop, so that a storm of requests never keeps the user from it.
-        if (gPane.view != nullptr) QTimer::singleShot(0, gPane.view, [] { fl_refresh(); });
-    }
+    if (sReadAgain) refresh_later();
     return result;
+}
+
+void fl_hold_refresh(bool on) {
+    sHolds += on ? 1 : -1;
+    if (sHolds == 0 && sReadAgain) refresh_later();
 }
 
 int fl_setpath(const char* path) {

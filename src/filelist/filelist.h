@@ -48,6 +48,10 @@ void fl_update();
 /// while another runs is done once after it. Returns 0.
 int fl_refresh();
 
+/// With `on` keeps refreshes waiting, so that the entries stay what they are; a second hold adds to
+/// the first. When the last one is let go, what was asked for meanwhile is done once, soon.
+void fl_hold_refresh(bool on);
+
 /// Shows the directory `path` (bytes). 0, or -1 when it is refused (the user has been told) or is
 /// the one shown. The history is not touched.
 int fl_setpath(const char* path);

@@ -141,4 +141,11 @@ int32_t x_find(const char* text, int32_t, uint32_t flags, FindCallback callback)
     return found;
 }
 
+int32_t fl_find_name(const char* name) {
+    for (int32_t i = 0; in_range(i); ++i) {
+        if (std::strcmp(gDir->entries[i]->name, name) == 0) return i;
+    }
+    return -2;
+}
+
 }  // namespace dorn

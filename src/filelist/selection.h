@@ -34,4 +34,7 @@ using FindCallback = int32_t (*)(int32_t index);
 /// text is empty, -1 for "..". The walk begins at entry 0 whatever `start` says.
 int32_t x_find(const char* text, int32_t start, uint32_t flags, FindCallback callback);
 
+/// The entry of exactly that name, which is never read as a pattern; -2 when there is none.
+int32_t fl_find_name(const char* name);
+
 }  // namespace dorn

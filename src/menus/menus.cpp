@@ -1,7 +1,10 @@
 #include "menus/menus.h"
 
 #include "assoc/assoc_dialogs.h"
+#include "dialogs/about.h"
+#include "dialogs/new_item.h"
 #include "dialogs/open_with.h"
+#include "dialogs/pattern.h"
 #include "hotlist/hotlist_tree.h"
 #include "menus/accelerators.h"
 #include "menus/commands.h"
@@ -26,6 +29,10 @@ struct OwnCommand {
 };
 
 constexpr auto kOwnCommands = std::to_array<OwnCommand>({
+    {"fm_new_file", fm_new_file},
+    {"fm_new_folder", fm_new_folder},
+    {"lcm_new_file", new_file_setup},
+    {"lcm_new_folder", new_dir_setup},
     {"fm_open", fm_open},
     {"fm_open_another", fm_open_another},
     {"fm_new_window", fm_new_window},
@@ -38,6 +45,8 @@ constexpr auto kOwnCommands = std::to_array<OwnCommand>({
     {"fm_refresh", fm_refresh},
     {"em_select_all", em_select_all},
     {"em_unselect_all", em_unselect_all},
+    {"em_select_pattern", em_select_pattern},
+    {"em_unselect_pattern", em_unselect_pattern},
     {"em_invert", em_invert_selection},
     {"em_associations", em_edit_associations},
     {"gm_back", gm_back},
@@ -49,6 +58,7 @@ constexpr auto kOwnCommands = std::to_array<OwnCommand>({
     {"hcm_add", tree_add_cb},
     {"hcm_delete", tree_delete_cb},
     {"help_quickref", help_quickref},
+    {"help_about", help_about},
 });
 
 void register_own_commands() {

@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 
 namespace dorn {
@@ -34,7 +35,9 @@ QList<AlertButton> parse_buttons(const char* buttons) {
 }  // namespace
 
 int ui_alert(Widget* parent, const char* title, const char* message, const char* buttons) {
-    QMessageBox box(qt(parent));
+    // It goes with its parent when that is closed under it; nobody has pressed a button then.
+    const QPointer<QMessageBox> owned = new QMessageBox(qt(parent));
+    QMessageBox& box = *owned;
     box.setObjectName(QStringLiteral("alert"));
     box.setWindowTitle(ui_text(title));
     box.setTextFormat(Qt::PlainText);
@@ -53,8 +56,11 @@ int ui_alert(Widget* parent, const char* title, const char* message, const char*
     if (escape == nullptr) escape = pressed.last();
     box.setEscapeButton(escape);
     box.exec();
+    const qsizetype escaped = pressed.indexOf(escape);
+    if (!owned) return static_cast<int>(escaped) + 1;
     const qsizetype index = pressed.indexOf(static_cast<QPushButton*>(box.clickedButton()));
-    return static_cast<int>(index >= 0 ? index : pressed.indexOf(escape)) + 1;
+    delete owned;
+    return static_cast<int>(index >= 0 ? index : escaped) + 1;
 }
 
 void ui_close_questions() {

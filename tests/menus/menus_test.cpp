@@ -264,8 +264,8 @@ TEST_F(MenusTest, TheListMenuIsMadeForTheSelection) {
     int runs = 0;
     static int* counter;
     counter = &runs;
-    for (const char* name : {"lcm_new_folder", "fm_open_with", "em_cut", "em_copy", "em_paste",
-                             "em_delete", "fm_inspect", "fm_symlink"})
+    for (const char* name : {"lcm_new_file", "lcm_new_folder", "fm_open_with", "em_cut", "em_copy",
+                             "em_paste", "em_delete", "fm_inspect", "fm_symlink"})
         menus_register(name, [] { return ++*counter; });
     sandbox_.write("file");
     sandbox_.write("other");
@@ -306,8 +306,8 @@ TEST_F(MenusTest, TheListMenuIsMadeForTheSelection) {
         lcm_setup(&menu);
         EXPECT_EQ(labels(&menu), row.items) << row.select;
     }
-    for (const char* name : {"lcm_new_folder", "fm_open_with", "em_cut", "em_copy", "em_paste",
-                             "em_delete", "fm_inspect", "fm_symlink"})
+    for (const char* name : {"lcm_new_file", "lcm_new_folder", "fm_open_with", "em_cut", "em_copy",
+                             "em_paste", "em_delete", "fm_inspect", "fm_symlink"})
         menus_register(name, nullptr);
     menus_run("em_unselect_all");
     menus_open_list_menu(10, 10);
