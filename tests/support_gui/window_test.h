@@ -6,6 +6,7 @@
 
 #include <QMainWindow>
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -35,6 +36,9 @@ class WindowTest : public ::testing::Test {
     /// Clicks on the row of an entry; a double click with `twice`.
     static void click(const std::string& name, Qt::KeyboardModifiers held = Qt::NoModifier,
                       bool twice = false);
+
+    /// What the alerts that `act` leads to say, as "title: text" and a line each; each is closed.
+    static std::string alerts_of(const std::function<void()>& act);
 
     Sandbox sandbox_;
     static QMainWindow* window_;
