@@ -57,6 +57,13 @@ struct SlotDisplay {
     int32_t time_left = 0;  // seconds; 0 or less shows as a blank
 };
 
+// What the worker knows of an entry, bits of Group::kinds.
+inline constexpr uint8_t kEntryKnown = 0x01;      // its type has been read
+inline constexpr uint8_t kEntryDirectory = 0x02;  // it is a directory itself, no link to one
+inline constexpr uint8_t kEntryFollowed = 0x04;   // it is a link, and what it points to is copied
+inline constexpr uint8_t kEntryMade = 0x08;       // this operation made the directory of its copy
+inline constexpr uint8_t kEntryKept = 0x10;       // it stays where it is, or something in it does
+
 /// A run of names in one directory. Group 0 holds what the user chose; each directory that the scan
 /// meets adds one behind it. An empty name is finished or skipped.
 struct Group {
@@ -65,9 +72,15 @@ struct Group {
     int32_t parent_name;    // and which of its names this directory is
     dev_t device;           // the directory as the scan met it
     ino_t inode;
-    bool incomplete;  // its listing broke off, so nothing of it may be removed by a move
+    dev_t copy_device;  // the directory that takes its copies, as it was first met
+    ino_t copy_inode;   // 0: not met yet
+    uint64_t bytes;     // what the scan counted for its names
+    bool incomplete;    // its listing broke off, so nothing of it may be removed by a move
+    bool behind_link;   // a link was followed to it, so nothing of it may be removed by a move
     int32_t count;
     char** names;
+    uint8_t* kinds;    // of each name
+    uint64_t* prints;  // of each name, for a move: the file that was copied whole, see print_of
 };
 
 struct FileOp {

@@ -22,6 +22,10 @@ FileOp* fop(int32_t kind, const char* directory, const std::vector<std::string>&
 /// Frees the record and all that it owns; the worker's last act.
 void free_op(FileOp* op);
 
+/// How long the worker shows "Done" before its slot may go, in milliseconds. Set it before an
+/// operation is started.
+extern int gDonePause;
+
 /// The body of the operation's thread. `op` is a FileOp, gone when this returns. Returns null.
 void* fop_thread(void* op);
 

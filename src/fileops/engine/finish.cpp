@@ -1,0 +1,83 @@
+// What a copy gets last: owner, mode and times. The owner comes first, for changing it takes the
+// set-id bits away, and the times last, for all else may change them.
+#include "config/config.h"
+#include "fileops/engine/copy_entry.h"
+#include "fileops/engine/progress.h"
+#include "fileops/engine/prompts.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <fcntl.h>
+
+namespace dorn {
+
+namespace {
+
+constexpr mode_t kSetIds = S_ISUID | S_ISGID;
+
+std::array<timespec, 2> times_of(const EntryCopy& c) {
+    return {c.source.st_atim, c.source.st_mtim};
+}
+
+/// What is to happen when the owner can't be changed. kEntryDone or kStopAll.
+int ask_owner(const EntryCopy& c) {
+    FileOp* op = c.w.op;
+    const uint32_t config = std::atomic_ref(gConfig->flags).load(std::memory_order_relaxed);
+    if ((config & kOwnerErrorIgnore) != 0) op->flags |= kFopIgnoreOwner;
+    if ((op->flags & kFopIgnoreOwner) != 0) return kEntryDone;
+    show_entry(c);
+    const int button =
+        fop_alert(op, "Copy/Move", "&Ignore|&Abort", "Unable to change owner permissions '%s'\n",
+                  shown(copy_path(c)).c_str());
+    if (button != 1) return kStopAll;
+    op->flags |= kFopIgnoreOwner;
+    return kEntryDone;
+}
+
+}  // namespace
+
+int finish_open(const EntryCopy& c, int fd) {
+    const bool is_owned = fchown(fd, c.source.st_uid, c.source.st_gid) == 0;
+    const int result = is_owned ? kEntryDone : ask_owner(c);
+    const mode_t set_ids = c.source.st_mode & kSetIds;
+    struct stat status;
+    if (is_owned && c.made && set_ids != 0 && fstat(fd, &status) == 0)
+        fchmod(fd, (status.st_mode & 07777) | set_ids);
+    futimens(fd, times_of(c).data());
+    return result;
+}
+
+int finish_at(const EntryCopy& c, int flags) {
+    const bool is_owned = fchownat(c.to, c.to_name, c.source.st_uid, c.source.st_gid, flags) == 0;
+    const int result = is_owned ? kEntryDone : ask_owner(c);
+    utimensat(c.to, c.to_name, times_of(c).data(), flags);
+    return result;
+}
+
+int finish_directory(Worker& w, int32_t group) {
+    EntryCopy c{.w = w,
+                .group = group,
+                .index = kFinishDirectory,
+                .from = w.sources.of_group(group),
+                .name = ".",
+                .source = {},
+                .to = -1,
+                .to_name = ".",
+                .new_name = {}};
+    if (c.from < 0 || fstatat(c.from, c.name, &c.source, 0) != 0) {
+        const int error = errno;
+        return ask_about(c, "Unable to stat '%s'\n%s\n", source_path(c), error);
+    }
+    show_progress(c, 0);
+    c.to = w.copies.of_group(group);
+    if (c.to < 0) return ask_about(c, "Unable to make '%s' directory\n", copy_path(c));
+    const bool is_owned = fchownat(c.to, ".", c.source.st_uid, c.source.st_gid, 0) == 0;
+    const int result = is_owned ? kEntryDone : ask_owner(c);
+    const mode_t mode = c.source.st_mode & 07777;
+    fchmodat(c.to, ".", is_owned ? mode : mode & ~kSetIds, 0);
+    utimensat(c.to, ".", times_of(c).data(), 0);
+    return result;
+}
+
+}  // namespace dorn

@@ -1,0 +1,60 @@
+// The rename pass of a move: what stays within its file system is not copied.
+#include "fileops/engine/progress.h"
+#include "fileops/engine/prompts.h"
+#include "fileops/engine/worker.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+
+namespace dorn {
+
+namespace {
+
+/// Renames without replacing something that the user was not asked about, where the file system
+/// can tell. True when it is done.
+bool rename_entry(int from, const char* name, int to, const char* to_name, bool exists) {
+    if (exists) return renameat(from, name, to, to_name) == 0;
+    if (renameat2(from, name, to, to_name, RENAME_NOREPLACE) == 0) return true;
+    struct stat status;
+    const bool is_dangling_link = errno == EEXIST && fstatat(to, to_name, &status, 0) != 0;
+    return (errno == EINVAL || is_dangling_link) && renameat(from, name, to, to_name) == 0;
+}
+
+/// kEntryDone when the entry is through with (renamed or skipped), kEntrySkipped when it is left to
+/// be copied, kStopAll.
+int move_entry(Worker& w, int32_t index) {
+    const int from = w.sources.of_group(0);
+    const int to = w.copies.of_group(0);
+    char* name = w.op->groups[0]->names[index];
+    const char* to_name = w.copies.name_of(0, index);
+    struct stat status;
+    const bool exists = fstatat(to, to_name, &status, 0) == 0;
+    if (exists) {
+        const std::string path = copy_path_of(w, source_path_of(w, 0, index));
+        const int answer = ask_overwrite(w, "Move", path);
+        if (answer == kStopAll) return kStopAll;
+        if (answer == kEntrySkipped) return kEntryDone;
+    }
+    if (!rename_entry(from, name, to, to_name, exists)) return kEntrySkipped;
+    tell_done(w, name);
+    return kEntryDone;
+}
+
+}  // namespace
+
+int fop_move_files(Worker& w) {
+    enter_group(w, 0);
+    const Group* chosen = w.op->groups[0];
+    for (int32_t i = 0; i < chosen->count && fop_pause_trap(w.op) == 0; ++i) {
+        if (chosen->names[i][0] == '\0') continue;
+        const int result = move_entry(w, i);
+        if (result == kStopAll) return -1;
+        if (result == kEntrySkipped) continue;
+        empty_entry(w, 0, i);
+        w.op->flags |= kFopAllButFirst;
+    }
+    return 0;
+}
+
+}  // namespace dorn

@@ -1,0 +1,127 @@
+#include "fileops/engine/tree_dirs.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace dorn {
+
+namespace {
+
+constexpr int kNone = -1;
+constexpr int kOpenForUse = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+}  // namespace
+
+Fd::~Fd() {
+    if (fd_ >= 0) ::close(fd_);
+}
+
+int Fd::close() {
+    return ::close(release());
+}
+
+Fd open_directory(const std::string& path) {
+    if (path.size() < PATH_MAX) return Fd(open(path.c_str(), kOpenForUse));
+    Fd at(path.front() == '/' ? open("/", kOpenForUse) : open(".", kOpenForUse));
+    std::size_t begin = path.find_first_not_of('/');
+    while (at && begin != std::string::npos) {
+        // As many whole components as go into one call.
+        std::size_t end =
+            path.size() - begin < PATH_MAX ? path.size() : path.rfind('/', begin + PATH_MAX - 2);
+        if (end == std::string::npos || end <= begin) end = path.find('/', begin);
+        const std::string piece = path.substr(begin, end - begin);
+        at = Fd(openat(at.get(), piece.c_str(), kOpenForUse));
+        begin = path.find_first_not_of('/', end);
+    }
+    return at;
+}
+
+void TreeDirs::set_root(Fd root, std::string name) {
+    root_error_ = errno;
+    root_ = std::move(root);
+    root_name_ = std::move(name);
+}
+
+const char* TreeDirs::name_of(int32_t group, int32_t index) const {
+    if (group == 0 && !root_name_.empty()) return root_name_.c_str();
+    return op_->groups[group]->names[index];
+}
+
+TreeDirs::Kept* TreeDirs::find(int32_t group) {
+    const auto at = std::ranges::find(kept_, group, &Kept::group);
+    if (at == kept_.end()) return nullptr;
+    at->used = ++clock_;
+    return at;
+}
+
+void TreeDirs::keep(int32_t group, Fd fd) {
+    Kept* place = std::ranges::min_element(kept_, {}, &Kept::used);
+    *place = Kept{group, ++clock_, std::move(fd)};
+    last_ = group;
+}
+
+void TreeDirs::drop() {
+    for (Kept& kept : kept_) {
+        if (kept.group != last_) kept = Kept{};
+    }
+}
+
+bool TreeDirs::is_same(const struct stat& status, int32_t group) const {
+    Group* met = op_->groups[group];
+    if (side_ == Side::kSource)
+        return FileId{status.st_dev, status.st_ino} == FileId{met->device, met->inode};
+    if (met->copy_inode == 0) {
+        met->copy_device = status.st_dev;
+        met->copy_inode = status.st_ino;
+    }
+    return FileId{status.st_dev, status.st_ino} == FileId{met->copy_device, met->copy_inode};
+}
+
+Fd TreeDirs::open_below(int parent, int32_t group) {
+    const Group* own = op_->groups[group];
+    const uint8_t kind = op_->groups[own->parent]->kinds[own->parent_name];
+    const bool follows =
+        side_ == Side::kSource ? (kind & kEntryFollowed) != 0 : (kind & kEntryMade) == 0;
+    const char* name = name_of(own->parent, own->parent_name);
+    const int flags = kOpenForUse | (follows ? 0 : O_NOFOLLOW);
+    Fd fd(openat(parent, name, flags));
+    if (!fd && (errno == EMFILE || errno == ENFILE)) {
+        drop();
+        fd = Fd(openat(parent, name, flags));
+    }
+    if (!fd) return fd;
+    struct stat status;
+    if (fstat(fd.get(), &status) != 0) return Fd();
+    if (is_same(status, group)) return fd;
+    errno = ESTALE;
+    return Fd();
+}
+
+int TreeDirs::of_group(int32_t group) {
+    std::vector<int32_t> missing;
+    int at = root_.get();
+    for (int32_t g = group; g > 0; g = op_->groups[g]->parent) {
+        if (const Kept* kept = find(g)) {
+            at = kept->fd.get();
+            last_ = g;
+            break;
+        }
+        missing.push_back(g);
+    }
+    if (at == kNone) errno = root_error_;
+    while (at != kNone && !missing.empty()) {
+        Fd fd = open_below(at, missing.back());
+        if (!fd) return -1;
+        at = fd.get();
+        keep(missing.back(), std::move(fd));
+        missing.pop_back();
+    }
+    return at;
+}
+
+}  // namespace dorn
