@@ -10,22 +10,20 @@ namespace dorn {
 namespace {
 
 TEST(DisplayText, WhatCouldMisleadIsMadeVisible) {
-    struct Row {
-        const char *bytes, *shown;
-    };
-    for (const Row& row : std::vector<Row>{{"plain \xC3\xBC", "plain \xC3\xBC"},
-                                           {"a\tb",
-                                            "a\u21E5"
-                                            "b"},
-                                           {"a\x1B[1m", "a\uFFFD[1m"},
-                                           {"a\x7F", "a\uFFFD"},
-                                           {"\xFF", "\xEF\xBF\xBD"},
-                                           {"exe\xE2\x80\xAEtxt", "exe\xEF\xBF\xBDtxt"},
-                                           {"a\xC2\x85", "a\xEF\xBF\xBD"},
-                                           {"two\nlines", "two\u21B5lines"},
-                                           {"two\u2028lines\u2029", "two\uFFFDlines\uFFFD"},
-                                           {"<b>&amp;</b>", "<b>&amp;</b>"}})
-        EXPECT_EQ(ui_text(row.bytes), QString::fromUtf8(row.shown));
+    const std::pair<const char*, const char*> rows[] = {
+        {"a\tb",
+         "a\u21E5"
+         "b"},
+        {"a\x1B[1m", "a\uFFFD[1m"},
+        {"a\x7F", "a\uFFFD"},
+        {"\xFF", "\uFFFD"},
+        {"exe\u202Etxt", "exe\uFFFDtxt"},
+        {"a\xC2\x85", "a\uFFFD"},
+        {"two\nlines", "two\u21B5lines"},
+        {"two\u2028lines", "two\uFFFDlines"},
+        {"<b>&amp;</b>\u00FC", "<b>&amp;</b>\u00FC"}};
+    for (const auto& [bytes, shown] : rows)
+        EXPECT_EQ(ui_text(bytes), QString::fromUtf8(shown));
     EXPECT_EQ(ui_label_text("a & b\nc"), QString::fromUtf8("a && b\u21B5"
                                                            "c"));
     EXPECT_EQ(ui_message_text("two\nlines\x01"), QString::fromUtf8("two\nlines\uFFFD"));
@@ -33,21 +31,13 @@ TEST(DisplayText, WhatCouldMisleadIsMadeVisible) {
 
 TEST(Fonts, NamesOfTheRecordBecomeFonts) {
     const QFont desktop = QApplication::font();
-    struct Row {
-        const char* name;
-        const char* family;
-        int points;
-        bool bold, italic;
-    };
-    for (const Row& row : std::vector<Row>{{"DejaVu Sans10", "DejaVu Sans", 10, false, false},
-                                           {"DejaVu Sans10b", "DejaVu Sans", 10, true, false},
-                                           {"DejaVu Serif12i", "DejaVu Serif", 12, false, true},
-                                           {"helv14bi", "helv", 14, true, true}}) {
-        const QFont font = ui_font(row.name);
-        EXPECT_EQ(font.family(), QLatin1String(row.family)) << row.name;
-        EXPECT_EQ(font.pointSize(), row.points) << row.name;
-        EXPECT_EQ(font.bold(), row.bold) << row.name;
-        EXPECT_EQ(font.italic(), row.italic) << row.name;
+    const std::tuple<const char*, const char*, int, bool, bool> rows[] = {
+        {"DejaVu Sans10b", "DejaVu Sans", 10, true, false},
+        {"DejaVu Serif12i", "DejaVu Serif", 12, false, true},
+        {"helv14bi", "helv", 14, true, true}};
+    for (const auto& [name, family, points, bold, italic] : rows) {
+        QFont expected(QLatin1String(family), points, bold ? QFont::Bold : QFont::Normal, italic);
+        EXPECT_EQ(ui_font(name).toString(), expected.toString()) << name;
     }
     for (const char* none : {"", "12", "Serif", "bi", "Sans999999999999", "\xFF"})
         EXPECT_EQ(ui_font(none), desktop) << none;

