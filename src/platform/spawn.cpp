@@ -22,6 +22,8 @@ constexpr const char* kBuildTreeAdaptors = "../orrin";
 constexpr const char* kRunning = "/proc/self/exe";
 constexpr int kFirstOwnDescriptor = 3;
 
+std::string sAdaptors;  // their folder; empty while none was found
+
 bool is_executable_file(const std::string& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
@@ -124,12 +126,17 @@ void orrin_append_adaptors_to_path() {
         std::array<char, PATH_MAX> path;
         if (realpath((folder + adaptors).c_str(), path.data()) == nullptr) continue;
         if (!is_executable_file(std::string(path.data()) + "/orterm")) continue;
+        sAdaptors = path.data();
         const std::string before = search_path();
         // Inherited from the window that started this one, it is there already.
         if ((":" + before + ":").find(std::string(":") + path.data() + ":") == std::string::npos)
             setenv("PATH", (before + ":" + path.data()).c_str(), 1);
         return;
     }
+}
+
+std::string orrin_adaptor(const std::string& name) {
+    return sAdaptors.empty() ? std::string() : find_program(name, sAdaptors);
 }
 
 int spawn_program(const std::string& path, const std::vector<std::string>& arguments,

@@ -26,6 +26,10 @@ std::string find_program(const std::string& name, const std::string& folders);
 /// start-up.
 void orrin_append_adaptors_to_path();
 
+/// The adaptor program `name` of the folder that was found at start-up, also where PATH has another
+/// of that name; empty when there is none. After orrin_append_adaptors_to_path.
+std::string orrin_adaptor(const std::string& name);
+
 /// What a child's standard descriptors are; -1 leaves ours.
 struct SpawnFiles {
     int input = -1;

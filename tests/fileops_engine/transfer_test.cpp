@@ -22,6 +22,10 @@ std::string told(const TransferLists& arrived) {
     return arrived.lists.empty() && arrived.foreign == 0 ? "nothing" : text;
 }
 
+TransferLists of(const FileTransfer& list, bool cut) {
+    return {cut, {list}, 0, {}};
+}
+
 TEST(Transfer, EveryTypeGivesTheNamesBackAsTheyWereByteForByte) {
     for (const char* directory : {"/", "/d\xFE ir", "/a/b"}) {
         const FileTransfer list{directory, {"plain", "", kHostile, std::string(255, 'x'), "-"}};
@@ -31,9 +35,10 @@ TEST(Transfer, EveryTypeGivesTheNamesBackAsTheyWereByteForByte) {
             for (const char* type :
                  {kTypeTransfiles, kTypeGnomeFiles, kTypeMateFiles, kTypeUriList}) {
                 const FileTransfer& expected = type == kTypeTransfiles ? list : without_empty;
-                const TransferLists arrived = transfer_unpack(
-                    transfer_pack(list, cut, type), type, transfer_pack(list, cut, kTypeKdeCut));
-                EXPECT_EQ(told(arrived), told({cut, {expected}, 0, {}})) << type;
+                const TransferLists arrived =
+                    transfer_unpack(transfer_pack(of(list, cut), type), type,
+                                    transfer_pack(of(list, cut), kTypeKdeCut));
+                EXPECT_EQ(told(arrived), told(of(expected, cut))) << type;
             }
         }
     }
@@ -41,17 +46,29 @@ TEST(Transfer, EveryTypeGivesTheNamesBackAsTheyWereByteForByte) {
 
 TEST(Transfer, TheBytesAreThoseThatOtherProgramsRead) {
     const FileTransfer list{"/d", {"a b", "", "\xFF"}};
-    EXPECT_EQ(transfer_pack(list, true, kTypeGnomeFiles), "cut\nfile:///d/a%20b\nfile:///d/%FF");
-    EXPECT_EQ(transfer_pack(list, false, kTypeMateFiles), "copy\nfile:///d/a%20b\nfile:///d/%FF");
-    EXPECT_EQ(transfer_pack(list, false, kTypeUriList), "file:///d/a%20b\r\nfile:///d/%FF\r\n");
-    EXPECT_EQ(transfer_pack(list, true, kTypeKdeCut) + transfer_pack(list, false, kTypeKdeCut),
-              "1");
-    EXPECT_EQ(transfer_pack(list, false, kTypeText), "/d/a b\n/d/\xFF");
-    EXPECT_EQ(transfer_pack({"/d", {"x"}}, true, kTypeTransfiles),
+    EXPECT_EQ(transfer_pack(of(list, true), kTypeGnomeFiles),
+              "cut\nfile:///d/a%20b\nfile:///d/%FF");
+    EXPECT_EQ(transfer_pack(of(list, false), kTypeMateFiles),
+              "copy\nfile:///d/a%20b\nfile:///d/%FF");
+    EXPECT_EQ(transfer_pack(of(list, false), kTypeUriList), "file:///d/a%20b\r\nfile:///d/%FF\r\n");
+    EXPECT_EQ(
+        transfer_pack(of(list, true), kTypeKdeCut) + transfer_pack(of(list, false), kTypeKdeCut),
+        "1");
+    EXPECT_EQ(transfer_pack(of(list, false), kTypeText), "/d/a b\n/d/\xFF");
+    EXPECT_EQ(transfer_pack(of({"/d", {"x"}}, true), kTypeTransfiles),
               std::string("mvfiles\0\x0F\0\0\0\x01\0\0\0\x02\0\0\0/d\x01\0\0\0x", 27));
     for (const char* type :
          {kTypeTransfiles, kTypeGnomeFiles, kTypeUriList, kTypeKdeCut, kTypeText})
-        EXPECT_EQ(transfer_pack({"/d", {"", ""}}, true, type), "") << type;
+        EXPECT_EQ(transfer_pack(of({"/d", {"", ""}}, true), type), "") << type;
+}
+
+TEST(Transfer, ListsOfSeveralDirectoriesLeaveOutTheFormThatHoldsOne) {
+    TransferLists two{true, {{"/a", {"x"}}, {"/b", {"y", "z"}}}, 0, {}};
+    EXPECT_FALSE(transfer_packs(two, kTypeTransfiles));
+    EXPECT_EQ(transfer_pack(two, kTypeGnomeFiles), "cut\nfile:///a/x\nfile:///b/y\nfile:///b/z");
+    two.lists[0].names[0].clear();
+    EXPECT_EQ(told(transfer_unpack(transfer_pack(two, kTypeTransfiles), kTypeTransfiles)),
+              "cut /b:<y><z>");
 }
 
 TEST(Transfer, ListsOfOtherProgramsAreReadInAllTheirSpellings) {
@@ -92,7 +109,8 @@ TEST(Transfer, ListsOfOtherProgramsAreReadInAllTheirSpellings) {
 }
 
 TEST(Transfer, AListWithADamagedByteIsNoListOrOneOfBaseNames) {
-    const std::string whole = transfer_pack({"/dir", {"one", "", "two"}}, false, kTypeTransfiles);
+    const std::string whole =
+        transfer_pack(of({"/dir", {"one", "", "two"}}, false), kTypeTransfiles);
     for (std::size_t size = 0; size < whole.size(); ++size)
         EXPECT_EQ(told(transfer_unpack(whole.substr(0, size), kTypeTransfiles)), "nothing") << size;
     EXPECT_EQ(told(transfer_unpack(whole + '\0', kTypeTransfiles)), "nothing");

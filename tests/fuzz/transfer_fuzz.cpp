@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         check(list.directory.starts_with('/') && list.directory.find('\0') == std::string::npos);
         for (const std::string& name : list.names)
             check(name.find('/') == std::string::npos && name != "." && name != "..");
-        const std::string packed = transfer_pack(list, arrived.cut, kTypeTransfiles);
+        const std::string packed = transfer_pack({arrived.cut, {list}, 0, {}}, kTypeTransfiles);
         const TransferLists again = transfer_unpack(packed, kTypeTransfiles);
         check(again.lists.size() == 1 && again.cut == arrived.cut);
         check(again.lists[0].directory == list.directory && again.lists[0].names == list.names);

@@ -1,6 +1,7 @@
 #include "fileops/engine/transfer.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
 #include <limits>
@@ -38,6 +39,17 @@ void put_number(std::string* out, std::size_t number) {
 void put_text(std::string* out, const std::string& text) {
     put_number(out, text.size());
     out->append(text);
+}
+
+// The one list that has names; null when none or several have.
+const FileTransfer* only_list(const TransferLists& transfer) {
+    const FileTransfer* only = nullptr;
+    for (const FileTransfer& list : transfer.lists) {
+        if (is_empty_list(list)) continue;
+        if (only != nullptr) return nullptr;
+        only = &list;
+    }
+    return only;
 }
 
 std::string pack_own(const FileTransfer& transfer, bool cut) {
@@ -246,16 +258,18 @@ TransferLists unpack_copied_files(std::string_view text) {
 
 // The paths of all names, `put` one after the other with `between` between them.
 template <class Put>
-std::string joined_paths(const FileTransfer& transfer, std::string out, const char* between,
+std::string joined_paths(const TransferLists& transfer, std::string out, const char* between,
                          Put put) {
-    std::string directory = transfer.directory;
-    if (!directory.ends_with('/')) directory += '/';
     bool is_first = true;
-    for (const std::string& name : transfer.names) {
-        if (name.empty()) continue;
-        if (!is_first) out += between;
-        is_first = false;
-        put(&out, directory + name);
+    for (const FileTransfer& list : transfer.lists) {
+        std::string directory = list.directory;
+        if (!directory.ends_with('/')) directory += '/';
+        for (const std::string& name : list.names) {
+            if (name.empty()) continue;
+            if (!is_first) out += between;
+            is_first = false;
+            put(&out, directory + name);
+        }
     }
     return out;
 }
@@ -271,15 +285,36 @@ void put_path(std::string* out, std::string_view path) {
 
 }  // namespace
 
-std::string transfer_pack(const FileTransfer& transfer, bool cut, const char* type) {
-    if (is_empty_list(transfer)) return {};
-    if (is_type(type, kTypeTransfiles)) return pack_own(transfer, cut);
-    if (is_type(type, kTypeGnomeFiles) || is_type(type, kTypeMateFiles))
-        return joined_paths(transfer, cut ? "cut\n" : "copy\n", "\n", put_uri);
-    if (is_type(type, kTypeUriList)) return joined_paths(transfer, "", "\r\n", put_uri) + "\r\n";
-    if (is_type(type, kTypeKdeCut)) return cut ? "1" : "";
+std::span<const char* const> transfer_types() {
+    static constexpr auto types = std::to_array<const char*>(
+        {kTypeTransfiles, kTypeGnomeFiles, kTypeMateFiles, kTypeUriList, kTypeKdeCut, kTypeText});
+    return types;
+}
+
+bool transfer_packs(const TransferLists& transfer, const char* type) {
+    if (is_type(type, kTypeTransfiles)) return only_list(transfer) != nullptr;
+    if (is_type(type, kTypeKdeCut) && !transfer.cut) return false;
+    const bool is_known = std::ranges::any_of(
+        transfer_types(), [type](const char* known) { return is_type(type, known); });
+    return is_known && !std::ranges::all_of(transfer.lists, is_empty_list);
+}
+
+std::string transfer_pack(const TransferLists& transfer, const char* type) {
+    if (!transfer_packs(transfer, type)) return {};
+    if (is_type(type, kTypeTransfiles)) return pack_own(*only_list(transfer), transfer.cut);
+    if (is_type(type, kTypeKdeCut)) return "1";
     if (is_type(type, kTypeText)) return joined_paths(transfer, "", "\n", put_path);
-    return {};
+    if (is_type(type, kTypeUriList)) return joined_paths(transfer, "", "\r\n", put_uri) + "\r\n";
+    return joined_paths(transfer, transfer.cut ? "cut\n" : "copy\n", "\n", put_uri);
+}
+
+std::shared_ptr<const ClipboardOffer> transfer_offer(
+    std::shared_ptr<const TransferLists> transfer) {
+    auto offer = std::make_shared<ClipboardOffer>();
+    offer->types.assign(transfer_types().begin(), transfer_types().end());
+    offer->has = [transfer](const char* type) { return transfer_packs(*transfer, type); };
+    offer->pack = [transfer](const char* type) { return transfer_pack(*transfer, type); };
+    return offer;
 }
 
 TransferLists transfer_unpack(std::string_view bytes, const char* type, std::string_view kde_cut) {

@@ -4,8 +4,11 @@
 // docs/FORMATS.md.
 #pragma once
 
+#include "ui/clipboard.h"
+
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,10 +35,7 @@ inline constexpr const char* kTypeText = "text/plain";
 inline constexpr const char* kTagCopied = "files";
 inline constexpr const char* kTagCut = "mvfiles";
 
-/// The list as the bytes of one of the types above, "" when every name is empty.
-std::string transfer_pack(const FileTransfer& transfer, bool cut, const char* type);
-
-/// What lists arrived: one a source directory, in their order.
+/// What lists travel together: one a source directory, in their order.
 struct TransferLists {
     bool cut = false;
     std::vector<FileTransfer> lists;
@@ -44,6 +44,21 @@ struct TransferLists {
 };
 
 inline constexpr std::size_t kLeftOutNamed = 5;  // entries that left_out holds at most
+
+/// Every type that is written, in the order above. The first kListTypes of them are lists by
+/// themselves and are read.
+std::span<const char* const> transfer_types();
+inline constexpr std::size_t kListTypes = 4;
+
+/// The lists as the bytes of one of the types above; "" when every name is empty, when nothing is
+/// cut (kTypeKdeCut), or when they are more than our own form holds: one directory.
+std::string transfer_pack(const TransferLists& transfer, const char* type);
+
+/// Whether transfer_pack gives any bytes.
+bool transfer_packs(const TransferLists& transfer, const char* type);
+
+/// The offer of these lists, for the clipboard or a drag.
+std::shared_ptr<const ClipboardOffer> transfer_offer(std::shared_ptr<const TransferLists> transfer);
 
 /// Reads `bytes` of one of the types above; malformed bytes give no list. `kde_cut` is the data of
 /// kTypeKdeCut, which says of a kTypeUriList whether it was cut. Of kTypeText only the form that
