@@ -6,10 +6,16 @@
 #include "filelist/columns.h"
 #include "filelist/filelist.h"
 #include "filelist/list_view.h"
+#include "filelist/selection.h"
+#include "fileops/engine/cut_list.h"
+#include "fileops/engine/file_clipboard.h"
 #include "hotlist/hotlist_tree.h"
+#include "menus/commands.h"
 #include "menus/menus.h"
 #include "menus/path_bar.h"
+#include "menus/toolbar.h"
 #include "ui/actions.h"
+#include "ui/clipboard.h"
 #include "ui/combo.h"
 #include "ui/dialogs.h"
 #include "ui/qt_widget.h"
@@ -47,6 +53,25 @@ void hotlist_changed() {
     tb_update();
 }
 
+bool is_cut(const char* directory, const char* name) {
+    return file_is_cut(directory, name) != 0;
+}
+
+void clipboard_changed() {
+    fl_update_cut();
+    tb_update_edit();
+    em_clipboard_changed();
+}
+
+// What is copied or cut is there for other programs, this one's next run included, when it has
+// ended.
+void set_up_clipboard() {
+    file_clipboard_setup(clipboard_changed);
+    fl_set_cut_cb(is_cut, file_get_cut_files);
+    fl_set_selected_cb(tb_update_edit);
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, clipboard_outlive);
+}
+
 void before_realised() {
     cl_apply(gSpecList.get(), w_instance("tb_filespec"));
     if (auto* filter = qt_instance<QComboBox>("tb_filespec"); filter != nullptr)
@@ -69,6 +94,7 @@ void before_realised() {
     init_actions();
     init_kb_defaults();
     init_link();
+    set_up_clipboard();
 }
 
 }  // namespace

@@ -67,6 +67,9 @@ void fl_set_notify_cb(void (*notify)());
 /// before the list is shown. `reload` brings the cut list up to date before a rebuild.
 void fl_set_cut_cb(bool (*is_cut)(const char* directory, const char* name), void (*reload)());
 
+/// Brings the pictures of the rows up to date with what is cut, and nothing else.
+void fl_update_cut();
+
 /// Arms the type-ahead timer; disarms it and clears the type-ahead state; what its expiry runs.
 void fl_timer_set();
 void fl_timer_disable();

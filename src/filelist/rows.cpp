@@ -147,6 +147,15 @@ void fl_set_cut_cb(bool (*is_cut)(const char* directory, const char* name), void
     sReloadCut = reload;
 }
 
+void fl_update_cut() {
+    if (fl_is_reading()) return;  // the rows are rebuilt after it
+    for (ListRow& row : gPane.rows) {
+        if (row.index >= 0 && row.index < gDir->count)
+            row.image = row_image(*gDir->entries[row.index]);
+    }
+    if (gPane.view != nullptr) gPane.view->viewport()->update();
+}
+
 void fl_update() {
     fl_cache();
     const int first_visible = gPane.view == nullptr ? 0 : gPane.view->first_visible_row();

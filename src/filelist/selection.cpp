@@ -13,6 +13,7 @@ namespace {
 
 int sBatchDepth = 0;
 bool sBatchChanged = false;
+void (*sSelected_f)() = nullptr;
 
 void selection_changed() {
     if (sBatchDepth > 0) {
@@ -20,6 +21,7 @@ void selection_changed() {
         return;
     }
     status_bar_update();
+    if (sSelected_f != nullptr) sSelected_f();
     if (gPane.view != nullptr) gPane.view->viewport()->update();
 }
 
@@ -84,6 +86,10 @@ int32_t fl_unselect_index(int32_t index) {
 int32_t fl_invert_index(int32_t index) {
     if (!in_range(index)) return index;
     return is_selected(index) ? fl_unselect_index(index) : fl_select_index(index);
+}
+
+void fl_set_selected_cb(void (*changed)()) {
+    sSelected_f = changed;
 }
 
 void fl_invert_all() {

@@ -16,6 +16,10 @@ void fl_invert_all();
 void fl_select_all();
 void fl_unselect_all();
 
+/// Sets what is called after each operation that changed the selection. A rebuild of the rows is
+/// told by fl_set_notify_cb instead.
+void fl_set_selected_cb(void (*changed)());
+
 /// Selects or unselects every entry that x_find finds for `pattern`. Return the last one's index,
 /// -2 when there was none.
 int32_t fl_select(const char* pattern, uint32_t flags);

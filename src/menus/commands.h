@@ -27,11 +27,28 @@ int fm_print_directory();
 /// Re-reads the shown directory.
 int fm_refresh();
 
+/// Edit: put the selection on the clipboard. After a cut the list shows it as cut; a copy in place
+/// of a cut list takes its marks away.
+int em_copy();
+int em_cut();
+/// Starts a copy, or of a cut list a move, of what the clipboard holds into the shown directory, one
+/// operation for each other directory it comes from. Tells what is no local file. While the
+/// clipboard is being read, it is done once that is known.
+int em_paste();
+/// Deletes the selection, after a question where the settings say so. -1 when it can't be packed.
+int em_delete();
+/// 1 when the clipboard holds a list under the tag `type`, "files" or "mvfiles", else 0; null looks
+/// for either. There is one clipboard, whatever the input group.
+int em_check_clipboard_for_type(int input_group, const char* type);
+/// To be called when another list is on the clipboard: does a Paste that waited for it.
+void em_clipboard_changed();
+
 /// Edit: change the selection, then give the list the focus.
 int em_select_all();
 int em_unselect_all();
 int em_invert_selection();
-/// Without a selection there is nothing to unselect (nor to cut, copy, delete or rename).
+/// Without a selection there is nothing to unselect (nor to cut, copy, delete or rename), without a
+/// list on the clipboard nothing to paste.
 void em_setup(MenuStates& states);
 
 /// Go: back, forward, to the parent, to $HOME (nothing when that is unset).

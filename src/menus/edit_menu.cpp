@@ -1,6 +1,7 @@
 // The Edit menu's selection commands and its set-up, and Refresh of the File menu.
 #include "filelist/filelist.h"
 #include "filelist/selection.h"
+#include "fileops/engine/file_clipboard.h"
 #include "menus/commands.h"
 #include "ui/dialogs.h"
 
@@ -36,6 +37,8 @@ int em_invert_selection() {
 }
 
 void em_setup(MenuStates& states) {
+    if (em_check_clipboard_for_type(-1, nullptr) == 0 && !file_clipboard_is_being_read())
+        states.disable("em_paste");
     if (gDir != nullptr && gDir->n_selected > 0) return;
     for (const char* name : {"em_cut", "em_copy", "em_delete", "em_rename", "em_unselect",
                              "em_unselect_all", "em_unselect_pattern"})

@@ -43,6 +43,10 @@ constexpr auto kOwnCommands = std::to_array<OwnCommand>({
     {"fm_print", fm_print},
     {"fm_print_directory", fm_print_directory},
     {"fm_refresh", fm_refresh},
+    {"em_cut", em_cut},
+    {"em_copy", em_copy},
+    {"em_paste", em_paste},
+    {"em_delete", em_delete},
     {"em_select_all", em_select_all},
     {"em_unselect_all", em_unselect_all},
     {"em_select_pattern", em_select_pattern},
@@ -61,11 +65,16 @@ constexpr auto kOwnCommands = std::to_array<OwnCommand>({
     {"help_about", help_about},
 });
 
+void complete_list_menu_facts(ListMenuFacts* facts) {
+    lcm_look_at_associations(facts);
+    facts->can_paste = em_check_clipboard_for_type(-1, nullptr) != 0;
+}
+
 void register_own_commands() {
     for (const OwnCommand& own : kOwnCommands)
         menus_register(own.name, own.command);
     menus_register_generator("hm_populate", hm_populate);
-    lcm_set_facts_cb(lcm_look_at_associations);
+    lcm_set_facts_cb(complete_list_menu_facts);
     view_toggles_register();
 }
 

@@ -4,6 +4,7 @@
 #include "filelist/navigation.h"
 #include "hotlist/engine/hotlist.h"
 #include "menus/accelerators.h"
+#include "menus/commands.h"
 #include "menus/menus.h"
 #include "menus/path_bar.h"
 #include "ui/qt_widget.h"
@@ -11,6 +12,7 @@
 #include <QToolButton>
 
 #include <array>
+#include <string_view>
 
 namespace dorn {
 
@@ -30,6 +32,10 @@ constexpr auto kButtons = std::to_array<ToolbarButton>({
     {"tb_forward", "gm_forward", "forward", "go-next"},
     {"tb_up", "gm_up", "up", "go-up"},
     {"tb_home", "gm_home", "home", "go-home"},
+    {"tb_cut", "em_cut", "cut", "edit-cut"},
+    {"tb_copy", "em_copy", "copy", "edit-copy"},
+    {"tb_paste", "em_paste", "paste", "edit-paste"},
+    {"tb_delete", "em_delete", "delete", "edit-delete"},
     {"tb_refresh", "fm_refresh", "refresh", "view-refresh"},
     {"tb_add", "hm_add", "bookmark_add", "bookmark-new"},
     {"tb_hotlist", "vm_hotlist", "hotlist_pane", nullptr},
@@ -47,11 +53,6 @@ void set_up_button(const ToolbarButton& row) {
         button->setToolTip(QStringLiteral("%1 (%2)").arg(button->accessibleName(), key));
     QObject::connect(button, &QToolButton::clicked,
                      [command = row.command] { menus_run(command); });
-}
-
-void hide_if_without_buttons(const char* instance) {
-    QWidget* toolbar = qt(w_instance(instance));
-    if (toolbar != nullptr && toolbar->findChild<QToolButton*>() == nullptr) toolbar->hide();
 }
 
 void open_view_menu_from(const char* instance) {
@@ -73,12 +74,21 @@ void set_enabled(const char* instance, bool enabled) {
 void toolbar_setup() {
     for (const ToolbarButton& row : kButtons)
         set_up_button(row);
-    hide_if_without_buttons("clip_tb");
     open_view_menu_from("main_tbg");
     open_view_menu_from("path_tbg");
 }
 
+void tb_update_edit() {
+    MenuStates states;
+    em_setup(states);
+    for (const ToolbarButton& row : kButtons) {
+        if (std::string_view(row.command).starts_with("em_"))
+            set_enabled(row.instance, states.enabled(row.command));
+    }
+}
+
 void tb_update() {
+    tb_update_edit();
     if (gDir == nullptr) return;
     const char* home = home_directory();
     set_enabled("tb_back", fl_get_back_count() > 0);

@@ -5,8 +5,11 @@
 namespace dorn {
 
 /// Gives every button its picture, its tool tip with the command's key, and its command; the menu
-/// button on the toolbar area opens the View menu; a toolbar without buttons is hidden.
+/// button on the toolbar area opens the View menu.
 void toolbar_setup();
+
+/// Enables the buttons Cut, Copy, Paste and Delete as the Edit menu would. Cheap.
+void tb_update_edit();
 
 /// The directory behind Home: $HOME, null when it is unset or empty.
 const char* home_directory();
