@@ -1,4 +1,6 @@
 // The list's mouse and keys.
+#include "filelist/list_drag.h"
+#include "filelist/list_drop.h"
 #include "filelist/list_view.h"
 #include "filelist/navigation.h"
 #include "filelist/pane.h"
@@ -8,7 +10,9 @@
 #include "ui/dialogs.h"
 #include "ui/qt_widget.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
+#include <QDropEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
@@ -87,7 +91,8 @@ void ListView::press_select_button(const QMouseEvent* event) {
     const bool toggle = event->modifiers().testFlag(Qt::ControlModifier);
     const bool extend = event->modifiers().testFlag(Qt::ShiftModifier);
     const int anchor = extend && anchor_ >= 0 ? anchor_ : row;
-    select_on_release_ = false;
+    press_ = event->position().toPoint();
+    on_release_ = OnRelease::Nothing;
     sweeping_ = row >= 0;
     if (row < 0) {
         if (!toggle && !extend) fl_unselect_all();
@@ -96,10 +101,10 @@ void ListView::press_select_button(const QMouseEvent* event) {
     const int32_t index = entry_of(row);
     if (extend)
         fl_select_rows(anchor, row, toggle);
+    else if (is_selected(index))  // it may be the begin of a drag of all that is selected
+        on_release_ = toggle ? OnRelease::Toggle : OnRelease::Narrow;
     else if (toggle)
         fl_invert_index(index);
-    else if (is_selected(index))
-        select_on_release_ = true;  // several stay selected for what the pointer does next
     else
         fl_select_rows(row, row, false);
     fl_set_current(index);
@@ -108,15 +113,32 @@ void ListView::press_select_button(const QMouseEvent* event) {
     scroll_to_row(row);
 }
 
+// From a selected row a drag starts at a short distance; a sweep becomes one where it leaves the
+// list sideways (above and below, it scrolls).
+bool ListView::drag_starts(const QMouseEvent& event) const {
+    if (gDir->n_selected == 0) return false;
+    const QPoint position = event.position().toPoint();
+    if (on_release_ != OnRelease::Nothing)
+        return (position - press_).manhattanLength() >= QApplication::startDragDistance();
+    const int x = viewport()->mapTo(this, position).x();
+    return x < 0 || x >= width();
+}
+
 void ListView::mouseMoveEvent(QMouseEvent* event) {
     if (!sweeping_ || !event->buttons().testFlag(Qt::LeftButton)) return;
+    if (drag_starts(*event)) {
+        sweeping_ = false;
+        on_release_ = OnRelease::Nothing;
+        fl_start_drag(this);
+        return;
+    }
     // Above or below the list the sweep goes on, a row at a time.
     const int y = event->position().toPoint().y();
     int row = row_at(QPoint(0, qBound(0, y, viewport()->height() - 1)));
     if (row < 0) row = static_cast<int>(gPane.rows.size()) - 1;
     if (y < 0) row = qMax(0, row - 1);
     if (y >= viewport()->height()) row = qMin(row + 1, static_cast<int>(gPane.rows.size()) - 1);
-    if (row == current_row_ || select_on_release_) return;
+    if (row == current_row_ || on_release_ != OnRelease::Nothing) return;
     const int anchor = anchor_;
     fl_select_rows(anchor, row, event->modifiers().testFlag(Qt::ControlModifier));
     fl_set_current(entry_of(row));
@@ -127,9 +149,11 @@ void ListView::mouseMoveEvent(QMouseEvent* event) {
 
 void ListView::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
-    if (select_on_release_) fl_select_rows(current_row_, current_row_, false);
-    select_on_release_ = false;
+    const OnRelease what = on_release_;
+    on_release_ = OnRelease::Nothing;
     sweeping_ = false;
+    if (what == OnRelease::Narrow) fl_select_rows(current_row_, current_row_, false);
+    if (what == OnRelease::Toggle) fl_invert_index(entry_of(current_row_));
 }
 
 void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -138,10 +162,26 @@ void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
         press_select_button(event);  // one more change of the selection, which opens nothing
         return;
     }
-    select_on_release_ = false;
+    on_release_ = OnRelease::Nothing;
     sweeping_ = false;
     const int row = row_at(event->position().toPoint());
     if (row >= 0) fl_open(entry_of(row));
+}
+
+void ListView::dragEnterEvent(QDragEnterEvent* event) {
+    fl_dnd_cb(event);
+}
+
+void ListView::dragMoveEvent(QDragMoveEvent* event) {
+    fl_dnd_cb(event);
+}
+
+void ListView::dragLeaveEvent(QDragLeaveEvent* event) {
+    fl_dnd_cb(event);
+}
+
+void ListView::dropEvent(QDropEvent* event) {
+    fl_dnd_cb(event);
 }
 
 void ListView::press_menu_button(int row) {

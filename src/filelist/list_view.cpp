@@ -1,7 +1,9 @@
 #include "filelist/list_view.h"
 
 #include "filelist/columns.h"
+#include "filelist/drop_mark.h"
 #include "filelist/header_row.h"
+#include "filelist/list_drop.h"
 #include "filelist/pane.h"
 #include "filelist/row_delegate.h"
 #include "ui/qt_widget.h"
@@ -31,6 +33,8 @@ ListView::ListView(QWidget* parent) : QTreeView(parent) {
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     setAutoScroll(false);
+    setAcceptDrops(true);
+    viewport()->setAcceptDrops(true);
     setItemDelegate(new RowDelegate(this));
     header()->setMinimumSectionSize(kNarrowest);
     header()->setStretchLastSection(false);
@@ -45,7 +49,7 @@ void ListView::setModel(QAbstractItemModel* model) {
 void ListView::reset() {
     QTreeView::reset();
     sweeping_ = false;
-    select_on_release_ = false;
+    on_release_ = OnRelease::Nothing;
 }
 
 void ListView::attach_header() {
@@ -110,6 +114,16 @@ void ListView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
     if (row.state.testFlag(QStyle::State_Selected))
         painter->fillRect(row.rect, RowDelegate::selection_colour(row));
     QTreeView::drawRow(painter, row, index);
+    if (fl_drop_shown().empty() || fl_drop_shown() != fl_drop_directory(index.row())) return;
+    draw_drop_mark(painter, row.rect, palette());
+}
+
+// A drop that goes to the shown directory has the whole list as its target.
+void ListView::paintEvent(QPaintEvent* event) {
+    QTreeView::paintEvent(event);
+    if (fl_drop_shown().empty() || fl_drop_shown() != fl_drop_directory(-1)) return;
+    QPainter painter(viewport());
+    draw_drop_mark(&painter, viewport()->rect(), palette());
 }
 
 void ListView::scrollContentsBy(int dx, int dy) {

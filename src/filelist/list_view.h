@@ -20,6 +20,8 @@ class ListView : public QTreeView {
     /// Highlights `row` as the current one, -1 for none, without scrolling.
     void show_current_row(int row);
     void scroll_to_row(int row);
+    /// The row at a position of the viewport, -1 for none.
+    int row_at(const QPoint& position) const;
 
     /// The width that shows column 1 to 7 of the rows in sight whole, in pixels.
     int natural_width(int column) const;
@@ -34,26 +36,35 @@ class ListView : public QTreeView {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool event(QEvent* event) override;
     void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                  const QModelIndex& index) const override;
+    void paintEvent(QPaintEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    int row_at(const QPoint& position) const;
     void press_select_button(const QMouseEvent* event);
+    bool drag_starts(const QMouseEvent& event) const;
     void press_menu_button(int row);
     void move_current(QKeyEvent* event, int row);
     bool move_by_key(QKeyEvent* event);
     void toggle_current(bool keep);
 
     HeaderRow* header_row_ = nullptr;
-    int anchor_ = -1;                 // row where a range begins
-    int current_row_ = -1;            // the highlighted row
-    bool sweeping_ = false;           // the select button is held and sweeps a range
-    bool select_on_release_ = false;  // a press on a selected row narrows the selection on release
+    // What the release after a press on a selected row does, unless a drag came of it.
+    enum class OnRelease { Nothing, Narrow, Toggle };
+
+    int anchor_ = -1;        // row where a range begins
+    int current_row_ = -1;   // the highlighted row
+    bool sweeping_ = false;  // the select button is held and sweeps a range
+    QPoint press_;           // where the select button went down, in the viewport
+    OnRelease on_release_ = OnRelease::Nothing;
 };
 
 /// Opens the list's context menu at a global position; null (the start): there is none.

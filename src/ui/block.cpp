@@ -37,6 +37,13 @@ bool is_input(QEvent::Type type) {
     }
 }
 
+// Answered as refused. All else counts as dealt with: an accepted ShortcutOverride keeps
+// accelerators from running, and after an accepted DragEnter the toolkit tells of the motions that
+// follow when the block has ended.
+bool is_drop(QEvent::Type type) {
+    return type == QEvent::DragMove || type == QEvent::Drop;
+}
+
 // Swallows the input of blocked widgets and their children. In place only while there are any.
 class InputFilter : public QObject {
   public:
@@ -45,7 +52,7 @@ class InputFilter : public QObject {
         auto* widget = static_cast<QWidget*>(watched);
         for (; widget != nullptr; widget = widget->isWindow() ? nullptr : widget->parentWidget()) {
             if (!ui_is_blocked(handle(widget))) continue;
-            event->accept();  // an accepted ShortcutOverride keeps accelerators from running
+            event->setAccepted(!is_drop(event->type()));
             return true;
         }
         return false;
