@@ -1,5 +1,6 @@
 #include "hotlist/hotlist_view.h"
 
+#include "filelist/file_drop.h"
 #include "hotlist/hotlist_tree.h"
 #include "hotlist/tree_drag.h"
 #include "hotlist/tree_item.h"
@@ -105,22 +106,20 @@ void HotlistView::end_drag() {
     viewport()->update();
 }
 
-// Hotlist entries alone are taken.
+// Hotlist entries and lists of files are taken.
 void HotlistView::dragEnterEvent(QDragEnterEvent* event) {
     drag_over_ = 0;
-    if (tree_is_hotlist_drag(event->mimeData()))
-        event->acceptProposedAction();
-    else
-        event->ignore();
+    event->setAccepted(tree_is_hotlist_drag(event->mimeData()) ||
+                       file_drop_action(*event) != Qt::IgnoreAction);
 }
 
 void HotlistView::dragMoveEvent(QDragMoveEvent* event) {
     const QPoint position = event->position().toPoint();
     scroll_at_edge(position.y());
+    if (!tree_is_hotlist_drag(event->mimeData())) return files_.motion(event);
     QTreeWidgetItem* target = itemAt(position);
     tree_drag_over(target, &drag_over_);
-    const bool can =
-        tree_is_hotlist_drag(event->mimeData()) && tree_can_drop(tree_item(dnd_item_), target);
+    const bool can = tree_can_drop(tree_item(dnd_item_), target);
     drop_line_ = can ? drop_line(target, is_lower_half(target, position)) : -1;
     viewport()->update();
     if (can)
@@ -132,14 +131,15 @@ void HotlistView::dragMoveEvent(QDragMoveEvent* event) {
 void HotlistView::dragLeaveEvent(QDragLeaveEvent* event) {
     drag_over_ = 0;
     drop_line_ = -1;
-    viewport()->update();
+    files_.leave();
     event->accept();
 }
 
 void HotlistView::dropEvent(QDropEvent* event) {
+    if (!tree_is_hotlist_drag(event->mimeData())) return files_.drop(event);
     const QPoint position = event->position().toPoint();
     QTreeWidgetItem* target = itemAt(position);
-    if (tree_is_hotlist_drag(event->mimeData()) && target != nullptr)
+    if (target != nullptr)
         tree_drop(this, tree_item(dnd_item_), target, is_lower_half(target, position));
     event->acceptProposedAction();
     end_drag();
@@ -166,8 +166,9 @@ void HotlistView::scroll_at_edge(int y) {
 
 void HotlistView::paintEvent(QPaintEvent* event) {
     QTreeWidget::paintEvent(event);
-    if (drop_line_ < 0) return;
     QPainter painter(viewport());
+    files_.paint(&painter);
+    if (drop_line_ < 0) return;
     painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
     const int y = qBound(1, drop_line_, viewport()->height() - 1);
     painter.drawLine(0, y, viewport()->width(), y);

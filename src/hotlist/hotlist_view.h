@@ -1,5 +1,8 @@
-// The widget of the hotlist tree: keys, mouse, and the drag of entries within it.
+// The widget of the hotlist tree: keys, mouse, the drag of entries within it, lists of files
+// dropped on its items.
 #pragma once
+
+#include "hotlist/tree_file_drop.h"
 
 #include <QTreeWidget>
 
@@ -38,6 +41,7 @@ class HotlistView : public QTreeWidget {
     int64_t drag_over_ = 0;  // id of the item that a drag is over; 0: none
     int drop_line_ = -1;     // y of the line that shows where a drop goes; -1: none
     QPoint press_;
+    TreeFileDrop files_{this};
 };
 
 }  // namespace dorn
