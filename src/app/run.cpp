@@ -5,6 +5,7 @@
 #include "app/init.h"
 #include "platform/signals.h"
 #include "platform/usage.h"
+#include "ui/dialogs.h"
 #include "ui/qt_widget.h"
 
 #include <QApplication>
@@ -88,6 +89,8 @@ void take_signals() {
         signal_refresh();
 }
 
+constexpr int kAlertGraceMs = 400;
+
 void tell_when_idle(QObject* context, void (*ready)()) {
     // Two turns of the loop: the first paints what the set-up left to paint.
     QTimer::singleShot(0, context, [context, ready] { QTimer::singleShot(0, context, ready); });
@@ -111,6 +114,7 @@ int dorn_run(int argc, char** argv, void (*ready)()) {
     QGuiApplication::setDesktopFileName(QStringLiteral("dorn"));
     // Operations outlive the main window, and a window that tells of a failed one outlives nothing.
     QApplication::setQuitOnLastWindowClosed(false);
+    ui_set_alert_grace(kAlertGraceMs);
     keep_formats();
     look_after_style();
 

@@ -14,6 +14,7 @@ namespace dorn {
 namespace {
 
 constexpr std::size_t kNewNameSize = 47;  // bytes
+constexpr int kFieldCharacters = 52;      // that fit the fields
 
 QString shown(const std::string& name) {
     return ui_text(fname_decode(name.c_str(), nullptr));
@@ -33,6 +34,8 @@ void long_filename_setup(const Ui::LongFilename& layout) {
     layout.long_filename_oldname->setText(shown(oldfile));
     layout.long_filename_oldname->setCursorPosition(0);
     layout.long_filename_newname->setText(shown(newfile));
+    const QFontMetrics metrics = layout.long_filename_newname->fontMetrics();
+    layout.long_filename_newname->setMinimumWidth(kFieldCharacters * metrics.averageCharWidth());
     layout.long_filename_newname->selectAll();
     layout.long_filename_newname->setFocus();
 }

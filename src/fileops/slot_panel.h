@@ -3,9 +3,16 @@
 #pragma once
 
 #include "fileops/engine/file_op.h"
-#include "ui_slot.h"
 
 #include <QFrame>
+
+#include <memory>
+
+class QPushButton;
+class QToolButton;
+namespace Ui {
+class Slot;
+}
 
 namespace dorn {
 
@@ -14,6 +21,7 @@ class SlotPanel : public QFrame {
     enum class Look { Running, Paused, Cancelling, Failed };
 
     explicit SlotPanel(QWidget* parent);
+    ~SlotPanel() override;
 
     /// Shows the state: a paused one greyed and with the picture that resumes, one that is being
     /// cancelled without buttons to press, one that failed to start with nothing but its button.
@@ -22,15 +30,11 @@ class SlotPanel : public QFrame {
     /// The panel's widgets, as the operation's redraws name them.
     SlotDisplay display();
 
-    QToolButton* pause_button() const {
-        return layout_.slot_pause;
-    }
-    QPushButton* cancel_button() const {
-        return layout_.cancel_button;
-    }
+    QToolButton* pause_button() const;
+    QPushButton* cancel_button() const;
 
   private:
-    Ui::Slot layout_;
+    std::unique_ptr<Ui::Slot> layout_;
 };
 
 }  // namespace dorn

@@ -85,6 +85,9 @@ class SlotsWindow : public QWidget {
         const int height = panels_ * slot_size_.height();
         const int bar = height > most_height_ ? kScrollBarRoom : 0;
         resize(qMin(slot_size_.width() + bar, kMostWidth), qMin(height, most_height_));
+        // It grows downwards, and may have been put near the lower edge.
+        const int below = frameGeometry().bottom() - screen()->availableGeometry().bottom();
+        if (isVisible() && below > 0) move(x(), qMax(y() - below, 0));
     }
 
     Ui::SlotsHolder layout_;

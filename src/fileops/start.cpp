@@ -6,9 +6,11 @@
 #include "fileops/engine/prompts.h"
 #include "fileops/long_filename.h"
 #include "fileops/slots.h"
+#include "ui/dialogs.h"
 
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace dorn {
 
@@ -22,18 +24,16 @@ int fop_start_cmd(int32_t kind, const char* directory, const std::vector<std::st
     fop_set_long_name_cb(long_filename_ask);
     const SlotDisplay* display = slot_add();
     if (display == nullptr) return -1;
-    Widget* const panel = display->panel;
     file_get_cut_files();
     const auto count = static_cast<int32_t>(names.size());
     const uint32_t flags = fop_request_flags(kind, count, one_dir_packed, gConfig->flags);
     FileOp* op = fop(kind, directory, names, destination, flags, display,
                      kind == kFopCopy ? nullptr : file_uncut);
     const int error = errno;
-    slot_set_op(panel, op);
+    slot_set_op(display->panel, op);
     if (op != nullptr) return 0;
-    std::fprintf(stderr, "failed to start operation!\n");
-    errno = error;
-    std::perror("dorn");
+    wprintf(display->from_widget, "%s", std::strerror(error));
+    std::fprintf(stderr, "failed to start operation!\n%s\n", std::strerror(error));
     return -1;
 }
 

@@ -1,6 +1,7 @@
 #include "ui/dialogs.h"
 
 #include "platform/charset.h"
+#include "ui/elided_label.h"
 #include "ui/qt_widget.h"
 
 #include <QAbstractButton>
@@ -82,6 +83,11 @@ int wprintf(Widget* widget, const char* format, ...) {
     else if (auto* button = qobject_cast<QAbstractButton*>(target))
         button->setText(text);
     return static_cast<int>(bytes.size());
+}
+
+void wtip(Widget* widget, const char* text) {
+    if (auto* label = dynamic_cast<ElidedLabel*>(qt(widget)); label != nullptr)
+        label->setToolTip(ui_text(text));
 }
 
 void wpercent(Widget* widget, int percent) {

@@ -13,6 +13,10 @@ namespace dorn {
 /// button. Title and message are plain text, whatever they hold.
 int ui_alert(Widget* parent, const char* title, const char* message, const char* buttons);
 
+/// How long the alerts that other threads ask for take no answer after they have come up, in
+/// milliseconds; 0 at the start.
+void ui_set_alert_grace(int ms);
+
 /// Closes every alert and modal dialog that is up, as the user would: alerts take their escape
 /// button.
 void ui_close_questions();
@@ -27,6 +31,10 @@ void ui_close_questions();
 /// Formats a text and puts it where that kind of widget shows its text: a window's title, a pane's
 /// title, otherwise the widget's text. Returns the number of bytes formatted, -1 for a null widget.
 [[gnu::format(printf, 2, 3)]] int wprintf(Widget* widget, const char* format, ...);
+
+/// Sets the plain text that a line cut for its width tells in full when pointed at. A null widget:
+/// nothing.
+void wtip(Widget* widget, const char* text);
 
 /// Shows `percent` (0 to 100) in a progress bar. A null widget: nothing.
 void wpercent(Widget* widget, int percent);

@@ -55,6 +55,8 @@ struct Gate {
     const std::thread::id loop = std::this_thread::get_id();
 };
 
+int sServed = 0;  // ui_locked works of other threads under way; event-loop thread only
+
 // Never destroyed: threads may come here while the process ends, and then wait for ever. Made on
 // the event-loop thread, before main.
 Gate* const sGate = new Gate;
@@ -86,7 +88,9 @@ void run_awaited(std::unique_lock<std::mutex>* lock, Awaited* awaited) {
 
 void run_question(std::unique_lock<std::mutex>* lock, Awaited* awaited) {
     ++sGate->running;
+    ++sServed;
     run_awaited(lock, awaited);
+    --sServed;
     --sGate->running;
     --sGate->questions;
 }
@@ -218,6 +222,10 @@ void ui_handed(const std::function<void()>& work) {
 
 void ui_serve_gate() {
     serve(-1);
+}
+
+bool ui_gate_is_held_by_other() {
+    return sServed > 0;
 }
 
 }  // namespace dorn

@@ -53,4 +53,8 @@ void ui_handed(const std::function<void()>& work);
 /// Event-loop thread only: runs all that waits now. For the places that wait for a worker.
 void ui_serve_gate();
 
+/// Event-loop thread only: whether another thread's ui_locked work is under way, that is, whether
+/// the caller is called by one or shown while one waits for its answer.
+bool ui_gate_is_held_by_other();
+
 }  // namespace dorn

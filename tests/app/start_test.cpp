@@ -1,32 +1,23 @@
 // Whole processes: start-up, what is kept per user, and the ways in which the program ends.
 #include "app/init.h"
 #include "config/config.h"
-#include "dirmodel/name_translation.h"
+#include "support/child.h"
 #include "support/sandbox.h"
 
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <map>
 #include <signal.h>
 #include <sstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace dorn {
 namespace {
 
 constexpr const char* kFlagsByte = "\xff";
-
-std::string read_file(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream content;
-    content << file.rdbuf();
-    return content.str();
-}
 
 // What the program said, without what the toolkit says of the platform.
 std::string own_lines(const std::string& errors) {
@@ -41,65 +32,42 @@ std::string own_lines(const std::string& errors) {
 // A dorn of this build, run offscreen.
 class Process {
   public:
-    Process(const std::vector<std::string>& arguments,
-            const std::map<std::string, std::string>& environment, const std::string& errors) {
-        pid_ = fork();
-        if (pid_ != 0) return;
-        if (FILE* redirected = freopen(errors.c_str(), "w", stderr); redirected == nullptr)
-            _exit(99);
-        for (const auto& [name, value] : environment) {
-            if (value.empty())
-                unsetenv(name.c_str());
-            else
-                setenv(name.c_str(), value.c_str(), 1);
-        }
-        std::vector<char*> argv = {const_cast<char*>(DORN_PROGRAM)};
-        for (const std::string& argument : arguments)
-            argv.push_back(const_cast<char*>(argument.c_str()));
-        argv.push_back(nullptr);
-        execv(DORN_PROGRAM, argv.data());
-        _exit(98);
+    Process(std::vector<std::string> arguments, const ChildSetting& setting) {
+        arguments.insert(arguments.begin(), DORN_PROGRAM);
+        pid_ = start_child(arguments, setting);
     }
     ~Process() {
-        if (pid_ > 0 && !waited_) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
-        }
+        if (pid_ < 0) return;
+        kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
     }
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    pid_t pid() const {
-        return pid_;
+    // Waits until it shows that directory, which it works in, and its event loop runs.
+    bool shows(const std::string& path) const {
+        return wait_until([&] {
+            std::error_code error;
+            return std::filesystem::read_symlink(proc() + "cwd", error) == path && is_idle();
+        });
     }
-    // The directory that the process works in, which is the one it shows.
-    std::string shown() const {
-        char target[4096] = {};
-        const std::string link = "/proc/" + std::to_string(pid_) + "/cwd";
-        return readlink(link.c_str(), target, sizeof target - 1) < 0 ? "" : target;
+    void send(int signal) const {
+        kill(pid_, signal);
     }
-    // Its event loop runs once it catches SIGTERM and sleeps in poll.
-    bool wait_until_shown(const std::string& path) const {
-        return wait_for([&] { return shown() == path && is_idle(); });
-    }
-    int wait_status() {
-        int status = -1;
-        if (!wait_for([&] { return waitpid(pid_, &status, WNOHANG) == pid_; })) return -1;
-        waited_ = true;
+    int end(int signal) {
+        kill(pid_, signal);
+        const int status = end_of_child(pid_);
+        if (status >= 0) pid_ = -1;
         return status;
+    }
+    std::string proc() const {
+        return "/proc/" + std::to_string(pid_) + "/";
     }
 
   private:
-    template <class Condition>
-    static bool wait_for(Condition condition) {
-        for (int i = 0; i < 3000; ++i) {
-            if (condition()) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        return false;
-    }
+    // It catches SIGTERM and sleeps in poll.
     bool is_idle() const {
-        const std::string status = read_file("/proc/" + std::to_string(pid_) + "/status");
+        const std::string status = read_file(proc() + "status");
         const std::size_t caught = status.find("SigCgt:");
         if (caught == std::string::npos) return false;
         const unsigned long mask = std::stoul(status.substr(caught + 7), nullptr, 16);
@@ -108,7 +76,6 @@ class Process {
     }
 
     pid_t pid_ = -1;
-    bool waited_ = false;
 };
 
 class Start : public ::testing::Test {
@@ -120,21 +87,21 @@ class Start : public ::testing::Test {
         home_ = sandbox_.file("home");
         shown_ = sandbox_.file("shown");
         kept_ = home_ + "/.or/dorn";
-        environment_ = {{"HOME", home_}, {"QT_QPA_PLATFORM", "offscreen"}};
+        setting_.variables = {{"HOME", home_}, {"QT_QPA_PLATFORM", "offscreen"}};
+        setting_.errors = sandbox_.file("errors");
     }
     int run_and_end(int signal, const std::vector<std::string>& arguments,
                     const std::string& shows) {
-        Process dorn(arguments, environment_, sandbox_.file("errors"));
-        EXPECT_TRUE(dorn.wait_until_shown(shows)) << dorn.shown();
-        kill(dorn.pid(), signal);
-        const int status = dorn.wait_status();
-        errors_ = own_lines(read_file(sandbox_.file("errors")));
-        return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + status;
+        Process dorn(arguments, setting_);
+        EXPECT_TRUE(dorn.shows(shows)) << shows;
+        const int status = dorn.end(signal);
+        errors_ = own_lines(sandbox_.read("errors"));
+        return status;
     }
 
     Sandbox sandbox_;
     std::string home_, shown_, kept_, errors_;
-    std::map<std::string, std::string> environment_;
+    ChildSetting setting_;
 };
 
 TEST_F(Start, EverySignalThatEndsTheProgramSaves) {
@@ -196,42 +163,22 @@ TEST_F(Start, WithoutAUsableConfigurationDirectoryItSaysSoAndSavesNothing) {
     EXPECT_EQ(run_and_end(SIGTERM, {shown_}, shown_), 0);
     EXPECT_EQ(errors_, "DORN error: unable to access config directory " + kept_ + "\n");
     EXPECT_EQ(read_file(kept_), "a file");
-    environment_["HOME"] = "";
+    setting_.variables["HOME"] = "";
     EXPECT_EQ(run_and_end(SIGTERM, {shown_}, shown_), 0);
     EXPECT_EQ(errors_, "DORN error: unable to create config directory /.or/dorn\n");
 }
 
 TEST_F(Start, StartDirectoryIsTheFirstArgumentThatIsNoOption) {
     const std::string here = shown_;
-    struct Case {
-        std::vector<std::string> arguments;
-        std::string shows;
-    };
     ASSERT_EQ(chdir(here.c_str()), 0);
     sandbox_.mkdir("shown/sub");
-    const Case cases[] = {
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
         {{"-x10", home_}, home_},     {{"-x", "10", home_}, here}, {{"sub"}, here + "/sub"},
         {{home_ + "/missing"}, here}, {{"-h200", "-w300"}, here},  {{home_, "-w300"}, home_},
     };
-    for (const Case& one : cases)
-        EXPECT_EQ(run_and_end(SIGTERM, one.arguments, one.shows), 0) << one.arguments[0];
+    for (const auto& [arguments, shows] : cases)
+        EXPECT_EQ(run_and_end(SIGTERM, arguments, shows), 0) << arguments[0];
     ASSERT_EQ(chdir("/"), 0);
-}
-
-TEST_F(Start, NamesAreTriedAsUtf8AlsoWithoutAnAlternateSet) {
-    Config record{};
-    config_set_defaults(record);
-    record.flags = kFormatMark | kEncodingTryUtf8;
-    mkdir(kept_.c_str(), 0700);
-    ASSERT_EQ(init_save_config(&record, kept_.c_str(), "config.003"), 0);
-    setenv("HOME", home_.c_str(), 1);
-    char program[] = "dorn";
-    char* argv[] = {program, nullptr};
-    init(1, argv);
-    const char* name = "abc\xFF";
-    EXPECT_EQ(fname_decode(name, nullptr), name);
-    fname_set_translation(0, "");
-    EXPECT_STREQ(fname_decode(name, nullptr), "?abc?");
 }
 
 TEST_F(Start, ConfigurationDirectoryDoesNotFollowTheWorkingOne) {
@@ -241,18 +188,16 @@ TEST_F(Start, ConfigurationDirectoryDoesNotFollowTheWorkingOne) {
 }
 
 TEST_F(Start, WindowChangeSignalsRereadAndNeverEndIt) {
-    Process dorn({shown_}, environment_, sandbox_.file("errors"));
-    ASSERT_TRUE(dorn.wait_until_shown(shown_));
-    EXPECT_EQ(read_file("/proc/" + std::to_string(dorn.pid()) + "/comm"), "dorn\n")
+    Process dorn({shown_}, setting_);
+    ASSERT_TRUE(dorn.shows(shown_));
+    EXPECT_EQ(read_file(dorn.proc() + "comm"), "dorn\n")
         << "the name that the broadcast after a file operation goes to";
     for (int i = 0; i < 200; ++i)
-        kill(dorn.pid(), SIGWINCH);
-    kill(dorn.pid(), SIGCHLD);
-    kill(dorn.pid(), SIGPIPE);
-    kill(dorn.pid(), SIGALRM);
-    ASSERT_TRUE(dorn.wait_until_shown(shown_));
-    kill(dorn.pid(), SIGTERM);
-    EXPECT_EQ(dorn.wait_status(), 0);
+        dorn.send(SIGWINCH);
+    for (const int signal : {SIGCHLD, SIGPIPE, SIGALRM})
+        dorn.send(signal);
+    ASSERT_TRUE(dorn.shows(shown_));
+    EXPECT_EQ(dorn.end(SIGTERM), 0);
 }
 
 }  // namespace

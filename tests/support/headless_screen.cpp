@@ -172,6 +172,8 @@ int wprintf(Widget* widget, const char* format, ...) {
     return static_cast<int>(text.size());
 }
 
+void wtip(Widget*, const char*) {}
+
 void wpercent(Widget* widget, int percent) {
     wprintf(widget, "%d", percent);
 }

@@ -48,6 +48,11 @@ void store(std::string& text, const char* given) {
     if (given != nullptr) text = given;
 }
 
+// The whole path, as a line is to tell it when pointed at.
+std::string tip(const std::string& path) {
+    return fname_decode(path.c_str(), nullptr);
+}
+
 // One of the two lines: the label, and the path as it fits.
 std::string line(const std::string& label, std::string path) {
     path.resize(std::strlen(shrink_name(path.data(), kShownPath)));
@@ -69,11 +74,14 @@ void fop_redraw(FileOp* op) {
         [title = display.title_text, from = display.from_widget, to = display.to_widget,
          count = display.count_text, bar = display.progress_bar, time = display.time_text,
          title_text = display.title, from_text = line(display.from_label, display.from_text),
-         to_text = line(display.to_label, display.to_text), count_shown = count_text(op),
-         percent = display.percent, time_shown = time_left_text(display.time_left)] {
+         to_text = line(display.to_label, display.to_text), from_tip = tip(display.from_text),
+         to_tip = tip(display.to_text), count_shown = count_text(op), percent = display.percent,
+         time_shown = time_left_text(display.time_left)] {
             wprintf(title, "%s", title_text.c_str());
             wprintf(from, "%s", from_text.c_str());
             wprintf(to, "%s", to_text.c_str());
+            wtip(from, from_tip.c_str());
+            wtip(to, to_tip.c_str());
             wprintf(count, "%s", count_shown.c_str());
             wpercent(bar, percent);
             wprintf(time, "%s", time_shown.c_str());
