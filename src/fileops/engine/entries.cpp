@@ -91,13 +91,13 @@ uint64_t print_of(const struct stat& status) {
 
 std::vector<FileId> chain_of(int directory) {
     std::vector<FileId> chain;
-    Fd at(openat(directory, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    Fd at = open_at(directory, ".", O_PATH | O_DIRECTORY | O_CLOEXEC);
     struct stat status;
     while (at && fstat(at.get(), &status) == 0) {
         const FileId id{status.st_dev, status.st_ino};
         if (!chain.empty() && chain.back() == id) break;  // the root is above itself
         chain.push_back(id);
-        at = Fd(openat(at.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
+        at = open_at(at.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC);
     }
     return chain;
 }

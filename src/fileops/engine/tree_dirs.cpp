@@ -25,9 +25,17 @@ int Fd::close() {
     return ::close(release());
 }
 
+Fd open_at(int directory, const char* name, int flags, mode_t mode) {
+    int fd;
+    do {
+        fd = openat(directory, name, flags, mode);
+    } while (fd < 0 && errno == EINTR);
+    return Fd(fd);
+}
+
 Fd open_directory(const std::string& path) {
-    if (path.size() < PATH_MAX) return Fd(open(path.c_str(), kOpenForUse));
-    Fd at(path.front() == '/' ? open("/", kOpenForUse) : open(".", kOpenForUse));
+    if (path.size() < PATH_MAX) return open_at(AT_FDCWD, path.c_str(), kOpenForUse);
+    Fd at = open_at(AT_FDCWD, path.front() == '/' ? "/" : ".", kOpenForUse);
     std::size_t begin = path.find_first_not_of('/');
     while (at && begin != std::string::npos) {
         // As many whole components as go into one call.
@@ -35,7 +43,7 @@ Fd open_directory(const std::string& path) {
             path.size() - begin < PATH_MAX ? path.size() : path.rfind('/', begin + PATH_MAX - 2);
         if (end == std::string::npos || end <= begin) end = path.find('/', begin);
         const std::string piece = path.substr(begin, end - begin);
-        at = Fd(openat(at.get(), piece.c_str(), kOpenForUse));
+        at = open_at(at.get(), piece.c_str(), kOpenForUse);
         begin = path.find_first_not_of('/', end);
     }
     return at;
@@ -89,10 +97,10 @@ Fd TreeDirs::open_below(int parent, int32_t group) {
         side_ == Side::kSource ? (kind & kEntryFollowed) != 0 : (kind & kEntryMade) == 0;
     const char* name = name_of(own->parent, own->parent_name);
     const int flags = kOpenForUse | (follows ? 0 : O_NOFOLLOW);
-    Fd fd(openat(parent, name, flags));
+    Fd fd = open_at(parent, name, flags);
     if (!fd && (errno == EMFILE || errno == ENFILE)) {
         drop();
-        fd = Fd(openat(parent, name, flags));
+        fd = open_at(parent, name, flags);
     }
     if (!fd) return fd;
     struct stat status;

@@ -50,6 +50,9 @@ struct FileId {
     bool operator==(const FileId&) const = default;
 };
 
+/// openat, again when a signal interrupts it. None: errno is set.
+Fd open_at(int directory, const char* name, int flags, mode_t mode = 0);
+
 /// Opens the directory at `path`, links followed, for use with the *at calls only; the path may be
 /// longer than the system takes in one piece. None: errno is set.
 Fd open_directory(const std::string& path);
