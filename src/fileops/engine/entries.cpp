@@ -1,7 +1,7 @@
 // Groups, their entries and their paths.
 #include "fileops/engine/worker.h"
 
-#include <cstring>
+#include <algorithm>
 #include <fcntl.h>
 
 namespace dorn {
@@ -39,6 +39,17 @@ std::string group_path(const FileOp* op, int32_t group) {
         path += op->groups[own->parent]->names[own->parent_name];
     }
     return path;
+}
+
+Group* group_below(const FileOp* op, int32_t parent, int32_t index) {
+    const auto is_before = [&](const Group* group, int32_t) {
+        return group->parent != parent ? group->parent < parent : group->parent_name < index;
+    };
+    Group** end = op->groups + op->group_count;
+    Group** found = std::lower_bound(op->groups, end, index, is_before);
+    if (found == end || (*found)->parent != parent || (*found)->parent_name != index)
+        return nullptr;
+    return *found;
 }
 
 void enter_group(Worker& w, int32_t group) {

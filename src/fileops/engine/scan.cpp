@@ -185,6 +185,7 @@ int scan_directory(Worker& w, int32_t group, int32_t index) {
         fop_ENOMEM(op);
         return -1;
     }
+    op->groups[group]->kinds[index] |= kEntryListed;
     own->parent = group;
     own->parent_name = index;
     own->device = status.st_dev;

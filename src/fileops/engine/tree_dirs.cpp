@@ -15,6 +15,13 @@ namespace {
 constexpr int kNone = -1;
 constexpr int kOpenForUse = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
+/// Whether to keep a directory that lies so many levels above the one asked for, 1 being that
+/// itself. Further up they lie further apart, so that the way down a deep chain is never long.
+bool is_landmark(std::size_t levels) {
+    constexpr std::size_t kLandmarks[] = {1, 2, 8, 32, 128, 512};
+    return std::ranges::count(kLandmarks, levels) != 0;
+}
+
 }  // namespace
 
 Fd::~Fd() {
@@ -110,24 +117,32 @@ Fd TreeDirs::open_below(int parent, int32_t group) {
     return Fd();
 }
 
-int TreeDirs::of_group(int32_t group) {
-    std::vector<int32_t> missing;
-    int at = root_.get();
+int32_t TreeDirs::nearest_kept(int32_t group) {
+    int32_t nearest = 0;
     for (int32_t g = group; g > 0; g = op_->groups[g]->parent) {
-        if (const Kept* kept = find(g)) {
-            at = kept->fd.get();
-            last_ = g;
-            break;
-        }
-        missing.push_back(g);
+        if (find(g) != nullptr && nearest == 0) nearest = g;
+        if (nearest == group) break;
     }
+    return nearest;
+}
+
+int TreeDirs::of_group(int32_t group) {
+    const int32_t nearest = nearest_kept(group);
+    std::vector<int32_t> missing;
+    for (int32_t g = group; g != nearest; g = op_->groups[g]->parent)
+        missing.push_back(g);
+    const Kept* kept = find(nearest);
+    if (kept != nullptr) last_ = nearest;
+    int at = kept != nullptr ? kept->fd.get() : root_.get();
     if (at == kNone) errno = root_error_;
-    while (at != kNone && !missing.empty()) {
+    Fd step;
+    for (; at != kNone && !missing.empty(); missing.pop_back()) {
         Fd fd = open_below(at, missing.back());
-        if (!fd) return -1;
         at = fd.get();
-        keep(missing.back(), std::move(fd));
-        missing.pop_back();
+        if (at != kNone && is_landmark(missing.size()))
+            keep(missing.back(), std::move(fd));
+        else
+            step = std::move(fd);
     }
     return at;
 }

@@ -91,6 +91,9 @@ class TreeDirs {
     };
 
     Kept* find(int32_t group);
+    /// The group itself, or the nearest above it that is kept, 0 when none is. All that are kept of
+    /// those above stay longer than others.
+    int32_t nearest_kept(int32_t group);
     Fd open_below(int parent, int32_t group);
     bool is_same(const struct stat& status, int32_t group) const;
 
