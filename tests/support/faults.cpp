@@ -59,8 +59,8 @@ int fault_of(const char* call, Subject what) {
         if (!is_for(fault, call, what)) continue;
         ++counted.calls;
         if (fault.nth != 0 && fault.nth != counted.calls) continue;
-        error = fault.error;
-        before = fault.before;
+        if (fault.error != 0) error = fault.error;
+        if (fault.before) before = fault.before;
     }
     if (before) {
         lock.unlock();

@@ -13,7 +13,9 @@ std::string read_file(const std::string& path) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-Sandbox::Sandbox() : path_((std::filesystem::temp_directory_path() / "dorn-XXXXXX").string()) {
+Sandbox::Sandbox() : Sandbox(std::filesystem::temp_directory_path().string()) {}
+
+Sandbox::Sandbox(const std::string& parent) : path_(parent + "/dorn-XXXXXX") {
     if (mkdtemp(path_.data()) == nullptr) std::abort();
 }
 

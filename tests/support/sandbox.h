@@ -11,6 +11,8 @@ std::string read_file(const std::string& path);
 class Sandbox {
   public:
     Sandbox();
+    /// Below the directory `parent`.
+    explicit Sandbox(const std::string& parent);
     ~Sandbox();
     Sandbox(const Sandbox&) = delete;
     Sandbox& operator=(const Sandbox&) = delete;

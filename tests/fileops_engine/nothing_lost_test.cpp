@@ -1,0 +1,230 @@
+// Every call of a copy, a move and a delete made to fail, and the user giving up at every point.
+#include "fileops/engine/fop.h"
+#include "support/lossless_test.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace dorn {
+namespace {
+
+const std::vector<Fault> kOtherFileSystem = {
+    {"rename", 0, EXDEV}, {"renameat", 0, EXDEV}, {"renameat2", 0, EXDEV}};
+
+struct Way {
+    const char* what;
+    int32_t kind;
+    std::vector<Fault> always;
+};
+const Way kWays[] = {{"copy", kFopCopy, {}},
+                     {"move by renaming", kFopMove, {}},
+                     {"move to another file system", kFopMove, kOtherFileSystem},
+                     {"delete", kFopDelete, {}}};
+
+namespace fs = std::filesystem;
+
+constexpr const char* kBig = "from/dir/big";
+
+// One more fault on top of those of the way.
+std::vector<Fault> with(std::vector<Fault> faults, Fault one) {
+    faults.push_back(std::move(one));
+    return faults;
+}
+
+class NothingLostTest : public LosslessTest, public testing::WithParamInterface<int> {
+  protected:
+    NothingLostTest() {
+        // After its first rename a move follows the links that can't be renamed.
+        if (GetParam() == 1) names_ = {"a", "dir", "empty", "fifo"};
+    }
+
+    const Way& way() const {
+        return kWays[GetParam()];
+    }
+
+    // Runs the operation with that fault at its first call, and so on to its last.
+    void at_every_call(Fault fault, const Labels& answers, const Labels& unlike = {},
+                       int stride = 1) {
+        bool was_reached = true;
+        for (fault.nth = 1; was_reached && !HasFailure(); fault.nth += stride) {
+            SCOPED_TRACE(std::string(way().what) + ", call " + std::to_string(fault.nth));
+            make_trees();
+            put_.clear();
+            run(way().kind, with(way().always, fault), answers, unlike);
+            if (!put_.empty() && way().kind != kFopDelete) check_put(unlike[0]);
+            was_reached = calls_ >= fault.nth;
+        }
+        EXPECT_TRUE(fault.nth > 10 || HasFailure());
+    }
+
+    // Takes what is there out of the way.
+    void replace(const std::string& path) const {
+        fs::remove_all(sandbox_.file("aside"));
+        fs::rename(path, sandbox_.file("aside"));
+    }
+
+    // What somebody else put in the place of a source is still somewhere.
+    void check_put(const std::string& name) const {
+        const Tree source = tree_of(sandbox_.file("from"));
+        const Tree target = tree_of(sandbox_.file("to"));
+        EXPECT_TRUE((source.count(name) != 0 && source.at(name) == put_) ||
+                    (target.count(name) != 0 && target.at(name) == put_))
+            << "what took the place of " << name << " is lost";
+    }
+
+    std::string put_;  // as in a Tree
+};
+
+TEST_P(NothingLostTest, AnErrorOfAnyCallThatTheUserContinuesPast) {
+    at_every_call({"*", 0, EIO}, {"Continue", "Skip", "Ignore"});
+}
+
+TEST_P(NothingLostTest, AnErrorOfAnyCallThatTheUserAbortsAt) {
+    at_every_call({"*", 0, EACCES}, {"Abort", "aBort"});
+}
+
+TEST_P(NothingLostTest, AFullDiskAtAnyCallThatTheUserTriesAgain) {
+    at_every_call({"*", 0, ENOSPC}, {"Retry", "Continue"});
+}
+
+TEST_P(NothingLostTest, ACancelBeforeAnyCall) {
+    at_every_call({"*", 0, 0, "", [] { running_operation()->cancelled = 1; }}, {});
+}
+
+TEST_P(NothingLostTest, AnInterruptedOrShortCallIsNoError) {
+    for (const char* call : {"read", "write", "getdents64"}) {
+        for (const int error : {EINTR, kShort}) {
+            SCOPED_TRACE(std::string(way().what) + ", " + call);
+            make_trees();
+            run(way().kind, with(way().always, {call, 1, error}), {});
+            EXPECT_EQ(asked_, Labels{});
+            EXPECT_EQ(tree_of(to("dir")).count("big"), way().kind == kFopDelete ? 0U : 1U);
+        }
+    }
+}
+
+TEST_P(NothingLostTest, AKillBeforeAnyCallLeavesWholeSourcesAndWhatWasFinished) {
+    bool ended = false;
+    for (int nth = 1; !ended; ++nth) {
+        make_trees();
+        before_ = tree_of(sandbox_.file("from"));
+        const pid_t child = fork();
+        if (child == 0) {
+            const Faults dying(with(way().always, {"*", nth, kDie}));
+            run_operation(request(way().kind));
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        ended = WEXITSTATUS(status) == 0;
+        const Tree source = tree_of(sandbox_.file("from"));
+        const Tree target = tree_of(sandbox_.file("to"));
+        for (const auto& [name, text] : before_) {
+            const bool there = source.count(name) != 0 && source.at(name) == text;
+            const bool moved = target.count(name) != 0 && target.at(name) == text;
+            EXPECT_TRUE(there || moved || way().kind == kFopDelete)
+                << name << " is lost at call " << nth << " of a " << way().what;
+        }
+        nth += nth / 20;
+    }
+}
+
+TEST_P(NothingLostTest, WhateverSomebodyElseDoesToASourceMeanwhile) {
+    const std::string big = from("dir/big");
+    const struct {
+        const char* what;
+        const char* name;
+        std::function<void()> change;
+    } rows[] = {
+        {"grows", "dir/big", [&] { std::ofstream(big, std::ios::app) << "more"; }},
+        {"shrinks", "dir/big", [&] { truncate(big.c_str(), 10); }},
+        {"vanishes", "dir/big", [&] { fs::remove(big); }},
+        {"becomes a link", "dir/big",
+         [&] { replace(big), sandbox_.link("../../else/kept", kBig); }},
+        {"becomes a FIFO", "dir/big", [&] { replace(big), mkfifo(big.c_str(), 0600); }},
+        {"becomes a directory", "dir/big", [&] { replace(big), sandbox_.mkdir(kBig); }},
+        {"becomes another file", "dir/big", [&] { replace(big), sandbox_.write(kBig, "newer"); }},
+        {"becomes a link", "dir/sub",
+         [&] { replace(from("dir/sub")), sandbox_.link("../../else", "from/dir/sub"); }},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.name) + " " + row.what);
+        const auto change = [&] {
+            if (!fs::exists(from(row.name))) return;
+            row.change();
+            const Tree changed = tree_of(sandbox_.file("from"));
+            if (changed.count(row.name) != 0) put_ = changed.at(row.name);
+        };
+        at_every_call({"*", 0, 0, "", change}, {"Continue"}, {row.name}, 3);
+    }
+}
+
+TEST_P(NothingLostTest, WhateverBecomesOfTheDestinationMeanwhile) {
+    const std::string dir = to("dir");
+    const auto vanish = [&] { fs::remove_all(dir); };
+    const auto lead_away = [&] {
+        if (fs::exists(dir)) replace(dir), sandbox_.link("../else", "to/dir");
+    };
+    for (const std::function<void()>& change : {std::function<void()>(vanish), {lead_away}})
+        at_every_call({"*", 0, 0, "", change}, {"Continue"}, {"dir"}, 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryWay, NothingLostTest, testing::Range(0, 4));
+
+// What a failing block comes to, by what the user answers.
+struct BlockRow {
+    const char* call;
+    int nth;
+    int error;
+    std::vector<std::string> answers;
+    bool copied;        // the file that it hits
+    bool goes_on;       // with the files after it
+    std::size_t asked;  // questions
+};
+
+class FailingBlockTest : public LosslessTest, public testing::WithParamInterface<int32_t> {};
+
+TEST_P(FailingBlockTest, IsAskedAboutAndLeavesAWholeFileOrNone) {
+    const BlockRow rows[] = {
+        {"write", 1, ENOSPC, {"Retry"}, true, true, 1},
+        {"write", 2, ENOSPC, {"Retry"}, true, true, 1},
+        {"write", 4, ENOSPC, {"Retry"}, true, true, 1},
+        {"write", 1, ENOSPC, {"Skip", "Continue"}, false, true, 2},
+        {"write", 4, ENOSPC, {"Skip", "Continue"}, false, true, 2},
+        {"write", 2, ENOSPC, {"Skip", "Abort"}, false, false, 2},
+        {"write", 1, ENOSPC, {"Abort"}, false, false, 1},
+        {"write", 4, ENOSPC, {"Abort"}, false, false, 1},
+        {"write", 1, EIO, {"Continue"}, false, true, 1},
+        {"write", 2, EIO, {"Abort"}, false, false, 1},
+        {"write", 4, EIO, {"Continue"}, false, true, 1},
+        {"read", 1, EIO, {"Continue"}, false, true, 1},
+        {"read", 3, EIO, {"Abort"}, false, false, 1},
+        {"close", 0, EIO, {"Continue"}, false, true, 1},
+        {"close", 0, EDQUOT, {"Abort"}, false, false, 1},
+        {"close", 0, ENOSPC, {"Abort"}, false, false, 1},
+    };
+    names_ = {"dir", "a"};
+    for (const BlockRow& row : rows) {
+        SCOPED_TRACE(std::string(row.call) + " " + std::to_string(row.nth) + " error " +
+                     std::to_string(row.error) + " " + row.answers.back());
+        make_trees();
+        std::vector<Fault> faults = kOtherFileSystem;
+        faults.push_back({row.call, row.nth, row.error, "big"});
+        run(GetParam(), faults, row.answers);
+        const Tree target = tree_of(sandbox_.file("to"));
+        EXPECT_EQ(target.count("dir/big") == 1, row.copied);
+        EXPECT_EQ(target.count("dir/sub/hard") == 1, row.goes_on);
+        EXPECT_EQ(asked_.size(), row.asked);
+        EXPECT_EQ(tree_of(sandbox_.file("from")).count("dir/big") == 0,
+                  row.copied && GetParam() == kFopMove);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(CopyAndMove, FailingBlockTest, testing::Values(kFopCopy, kFopMove));
+
+}  // namespace
+}  // namespace dorn
