@@ -34,12 +34,12 @@ struct DataCopy {
 };
 
 /// Opens a file, again with fewer descriptors in use when there are none left.
-Fd open_at(Worker& w, int dir, const char* name, int flags, mode_t mode = 0) {
-    Fd fd(openat(dir, name, flags, mode));
+Fd open_file(Worker& w, int dir, const char* name, int flags, mode_t mode = 0) {
+    Fd fd = open_at(dir, name, flags, mode);
     if (fd || (errno != EMFILE && errno != ENFILE)) return fd;
     w.sources.drop();
     w.copies.drop();
-    return Fd(openat(dir, name, flags, mode));
+    return open_at(dir, name, flags, mode);
 }
 
 /// Opens the entry, which has to be the file that its status is of; what has taken its place
@@ -47,7 +47,7 @@ Fd open_at(Worker& w, int dir, const char* name, int flags, mode_t mode = 0) {
 Fd open_source(EntryCopy& c) {
     const bool follows = (c.w.op->flags & kFopLinksAsFiles) != 0;
     const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | (follows ? 0 : O_NOFOLLOW);
-    Fd fd = open_at(c.w, c.from, c.name, flags);
+    Fd fd = open_file(c.w, c.from, c.name, flags);
     struct stat status;
     if (!fd || fstat(fd.get(), &status) != 0) return Fd();
     if (!S_ISREG(status.st_mode) || !is_same_file(status, c.source)) {
@@ -62,7 +62,7 @@ Fd open_source(EntryCopy& c) {
 
 Fd make_file(EntryCopy& c) {
     constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    Fd fd = open_at(c.w, c.to, c.to_name, kFlags, c.source.st_mode & 0777);
+    Fd fd = open_file(c.w, c.to, c.to_name, kFlags, c.source.st_mode & 0777);
     c.made = static_cast<bool>(fd);
     return fd;
 }
@@ -74,7 +74,7 @@ Fd open_target(EntryCopy& c) {
         return Fd();
     }
     const int follow = S_ISLNK(c.target_self.st_mode) ? 0 : O_NOFOLLOW;
-    Fd fd = open_at(c.w, c.to, c.to_name, O_WRONLY | O_CLOEXEC | O_NONBLOCK | follow);
+    Fd fd = open_file(c.w, c.to, c.to_name, O_WRONLY | O_CLOEXEC | O_NONBLOCK | follow);
     if (!fd && errno == ENOENT) return make_file(c);
     struct stat status;
     if (!fd || fstat(fd.get(), &status) != 0) return Fd();

@@ -53,6 +53,10 @@ int copy_directory(EntryCopy& c) {
     }
     if (!S_ISDIR(c.target.st_mode))
         return ask_about(c, "The '%s' is not a directory\n", copy_path(c));
+    if (Group* below = group_below(c.w.op, c.group, c.index)) {
+        below->copy_device = c.target.st_dev;
+        below->copy_inode = c.target.st_ino;
+    }
     fchmodat(c.to, c.to_name, 0777, 0);  // it is about to receive content
     return finish_at(c, 0);
 }
@@ -86,13 +90,24 @@ int make_destination(EntryCopy& c) {
     return kEntryDone;
 }
 
+/// Whether the entry has become a directory, or is none any more, since the scan.
+bool has_turned(const EntryCopy& c, uint8_t kind) {
+    const bool is_directory = S_ISDIR(c.source.st_mode);
+    if ((kind & kEntryListed) != 0) return !is_directory;
+    return is_directory && (kind & (kEntryDirectory | kEntryFollowed)) == 0;
+}
+
 /// Reads the status of the entry. False: errno is set.
 bool look_at_source(EntryCopy& c) {
     const bool follows = (c.w.op->flags & kFopLinksAsFiles) != 0;
     if (fstatat(c.from, c.name, &c.source, follows ? 0 : AT_SYMLINK_NOFOLLOW) != 0) return false;
+    const uint8_t kind = c.w.op->groups[c.group]->kinds[c.index];
+    if (has_turned(c, kind)) {
+        errno = ESTALE;
+        return false;
+    }
     if (c.w.op->kind != kFopMove) return true;
     struct stat self = c.source;
-    const uint8_t kind = c.w.op->groups[c.group]->kinds[c.index];
     if ((kind & kEntryFollowed) != 0 && fstatat(c.from, c.name, &self, AT_SYMLINK_NOFOLLOW) != 0)
         return false;
     c.print = print_of(self);
@@ -100,7 +115,6 @@ bool look_at_source(EntryCopy& c) {
 }
 
 int copy_by_type(EntryCopy& c) {
-    if (!S_ISDIR(c.source.st_mode)) c.w.op->groups[c.group]->kinds[c.index] |= kEntrySwapped;
     switch (c.source.st_mode & S_IFMT) {
         case S_IFIFO:
             return copy_fifo(c);

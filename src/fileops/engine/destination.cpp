@@ -59,8 +59,8 @@ bool is_into_itself(Worker& w, int source_dir, int copy_dir, int32_t index) {
 int check_into_itself(Worker& w, const Place& place) {
     const int source_dir = w.sources.of_group(0);
     if (place.parent.get() == AT_FDCWD) return 0;  // there is nowhere to copy to
-    const Fd inside(openat(place.parent.get(), place.is_directory() ? place.name.c_str() : ".",
-                           O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const Fd inside = open_at(place.parent.get(), place.is_directory() ? place.name.c_str() : ".",
+                              O_PATH | O_DIRECTORY | O_CLOEXEC);
     w.destination_chain = chain_of(inside.get());
     for (int32_t i = 0; i < w.op->groups[0]->count; ++i) {
         if (is_into_itself(w, source_dir, inside.get(), i)) return refuse_into_itself(w);
@@ -117,7 +117,7 @@ int open_destination(Worker& w, Place& place, bool is_path_of_one) {
     if (!place.exists && mkdirat(place.parent.get(), place.name.c_str(), 0777) != 0)
         return report_place(w, "Make Directory", "Unable to create '%s' directory\n");
     w.copies.set_root(
-        Fd(openat(place.parent.get(), place.name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)));
+        open_at(place.parent.get(), place.name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     return 0;
 }
 

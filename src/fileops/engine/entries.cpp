@@ -1,7 +1,7 @@
 // Groups, their entries and their paths.
 #include "fileops/engine/worker.h"
 
-#include <cstring>
+#include <algorithm>
 #include <fcntl.h>
 
 namespace dorn {
@@ -39,6 +39,17 @@ std::string group_path(const FileOp* op, int32_t group) {
         path += op->groups[own->parent]->names[own->parent_name];
     }
     return path;
+}
+
+Group* group_below(const FileOp* op, int32_t parent, int32_t index) {
+    const auto is_before = [&](const Group* group, int32_t) {
+        return group->parent != parent ? group->parent < parent : group->parent_name < index;
+    };
+    Group** end = op->groups + op->group_count;
+    Group** found = std::lower_bound(op->groups, end, index, is_before);
+    if (found == end || (*found)->parent != parent || (*found)->parent_name != index)
+        return nullptr;
+    return *found;
 }
 
 void enter_group(Worker& w, int32_t group) {
@@ -91,13 +102,13 @@ uint64_t print_of(const struct stat& status) {
 
 std::vector<FileId> chain_of(int directory) {
     std::vector<FileId> chain;
-    Fd at(openat(directory, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    Fd at = open_at(directory, ".", O_PATH | O_DIRECTORY | O_CLOEXEC);
     struct stat status;
     while (at && fstat(at.get(), &status) == 0) {
         const FileId id{status.st_dev, status.st_ino};
         if (!chain.empty() && chain.back() == id) break;  // the root is above itself
         chain.push_back(id);
-        at = Fd(openat(at.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
+        at = open_at(at.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC);
     }
     return chain;
 }

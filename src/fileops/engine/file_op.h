@@ -62,8 +62,8 @@ inline constexpr uint8_t kEntryKnown = 0x01;      // its type has been read
 inline constexpr uint8_t kEntryDirectory = 0x02;  // it is a directory itself, no link to one
 inline constexpr uint8_t kEntryFollowed = 0x04;   // it is a link, and what it points to is copied
 inline constexpr uint8_t kEntryMade = 0x08;       // this operation made the directory of its copy
+inline constexpr uint8_t kEntryListed = 0x20;     // what it holds is a group
 inline constexpr uint8_t kEntryKept = 0x10;       // it stays where it is, or something in it does
-inline constexpr uint8_t kEntrySwapped = 0x20;    // no directory was copied, whatever the scan met
 
 /// A run of names in one directory. Group 0 holds what the user chose; each directory that the scan
 /// meets adds one behind it. An empty name is finished or skipped.

@@ -20,11 +20,17 @@ std::array<timespec, 2> times_of(const EntryCopy& c) {
     return {c.source.st_atim, c.source.st_mtim};
 }
 
+/// The setting, which the event-loop thread may change meanwhile.
+bool is_owner_ignored() {
+    if (gConfig == nullptr) return false;
+    const uint32_t flags = std::atomic_ref(gConfig->flags).load(std::memory_order_relaxed);
+    return (flags & kOwnerErrorIgnore) != 0;
+}
+
 /// What is to happen when the owner can't be changed. kEntryDone or kStopAll.
 int ask_owner(const EntryCopy& c) {
     FileOp* op = c.w.op;
-    const uint32_t config = std::atomic_ref(gConfig->flags).load(std::memory_order_relaxed);
-    if ((config & kOwnerErrorIgnore) != 0) op->flags |= kFopIgnoreOwner;
+    if (is_owner_ignored()) op->flags |= kFopIgnoreOwner;
     if ((op->flags & kFopIgnoreOwner) != 0) return kEntryDone;
     show_entry(c);
     const int button =

@@ -166,7 +166,7 @@ int scan_directory(Worker& w, int32_t group, int32_t index) {
     const bool is_followed = (op->groups[group]->kinds[index] & kEntryFollowed) != 0;
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (is_followed ? 0 : O_NOFOLLOW);
     const char* name = op->groups[group]->names[index];
-    Fd fd(openat(w.sources.of_group(group), name, flags));
+    Fd fd = open_at(w.sources.of_group(group), name, flags);
     struct stat status;
     if (!fd || fstat(fd.get(), &status) != 0) return skip_listing(w, group, index, errno);
     const bool is_behind_link = is_followed || op->groups[group]->behind_link;
@@ -185,6 +185,7 @@ int scan_directory(Worker& w, int32_t group, int32_t index) {
         fop_ENOMEM(op);
         return -1;
     }
+    op->groups[group]->kinds[index] |= kEntryListed;
     own->parent = group;
     own->parent_name = index;
     own->device = status.st_dev;

@@ -15,6 +15,13 @@ namespace {
 constexpr int kNone = -1;
 constexpr int kOpenForUse = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
+/// Whether to keep a directory that lies so many levels above the one asked for, 1 being that
+/// itself. Further up they lie further apart, so that the way down a deep chain is never long.
+bool is_landmark(std::size_t levels) {
+    constexpr std::size_t kLandmarks[] = {1, 2, 8, 32, 128, 512};
+    return std::ranges::count(kLandmarks, levels) != 0;
+}
+
 }  // namespace
 
 Fd::~Fd() {
@@ -25,9 +32,17 @@ int Fd::close() {
     return ::close(release());
 }
 
+Fd open_at(int directory, const char* name, int flags, mode_t mode) {
+    int fd;
+    do {
+        fd = openat(directory, name, flags, mode);
+    } while (fd < 0 && errno == EINTR);
+    return Fd(fd);
+}
+
 Fd open_directory(const std::string& path) {
-    if (path.size() < PATH_MAX) return Fd(open(path.c_str(), kOpenForUse));
-    Fd at(path.front() == '/' ? open("/", kOpenForUse) : open(".", kOpenForUse));
+    if (path.size() < PATH_MAX) return open_at(AT_FDCWD, path.c_str(), kOpenForUse);
+    Fd at = open_at(AT_FDCWD, path.front() == '/' ? "/" : ".", kOpenForUse);
     std::size_t begin = path.find_first_not_of('/');
     while (at && begin != std::string::npos) {
         // As many whole components as go into one call.
@@ -35,7 +50,7 @@ Fd open_directory(const std::string& path) {
             path.size() - begin < PATH_MAX ? path.size() : path.rfind('/', begin + PATH_MAX - 2);
         if (end == std::string::npos || end <= begin) end = path.find('/', begin);
         const std::string piece = path.substr(begin, end - begin);
-        at = Fd(openat(at.get(), piece.c_str(), kOpenForUse));
+        at = open_at(at.get(), piece.c_str(), kOpenForUse);
         begin = path.find_first_not_of('/', end);
     }
     return at;
@@ -89,10 +104,10 @@ Fd TreeDirs::open_below(int parent, int32_t group) {
         side_ == Side::kSource ? (kind & kEntryFollowed) != 0 : (kind & kEntryMade) == 0;
     const char* name = name_of(own->parent, own->parent_name);
     const int flags = kOpenForUse | (follows ? 0 : O_NOFOLLOW);
-    Fd fd(openat(parent, name, flags));
+    Fd fd = open_at(parent, name, flags);
     if (!fd && (errno == EMFILE || errno == ENFILE)) {
         drop();
-        fd = Fd(openat(parent, name, flags));
+        fd = open_at(parent, name, flags);
     }
     if (!fd) return fd;
     struct stat status;
@@ -102,37 +117,32 @@ Fd TreeDirs::open_below(int parent, int32_t group) {
     return Fd();
 }
 
-Fd TreeDirs::open_above(int32_t group) const {
-    for (const Kept& kept : kept_) {
-        if (kept.group <= 0 || op_->groups[kept.group]->parent != group) continue;
-        Fd fd(openat(kept.fd.get(), "..", kOpenForUse));
-        struct stat status;
-        if (fd && fstat(fd.get(), &status) == 0 && is_same(status, group)) return fd;
+int32_t TreeDirs::nearest_kept(int32_t group) {
+    int32_t nearest = 0;
+    for (int32_t g = group; g > 0; g = op_->groups[g]->parent) {
+        if (find(g) != nullptr && nearest == 0) nearest = g;
+        if (nearest == group) break;
     }
-    return Fd();
+    return nearest;
 }
 
 int TreeDirs::of_group(int32_t group) {
-    if (side_ == Side::kSource && group > 0 && find(group) == nullptr) {
-        if (Fd fd = open_above(group)) keep(group, std::move(fd));
-    }
+    const int32_t nearest = nearest_kept(group);
     std::vector<int32_t> missing;
-    int at = root_.get();
-    for (int32_t g = group; g > 0; g = op_->groups[g]->parent) {
-        if (const Kept* kept = find(g)) {
-            at = kept->fd.get();
-            last_ = g;
-            break;
-        }
+    for (int32_t g = group; g != nearest; g = op_->groups[g]->parent)
         missing.push_back(g);
-    }
+    const Kept* kept = find(nearest);
+    if (kept != nullptr) last_ = nearest;
+    int at = kept != nullptr ? kept->fd.get() : root_.get();
     if (at == kNone) errno = root_error_;
-    while (at != kNone && !missing.empty()) {
+    Fd step;
+    for (; at != kNone && !missing.empty(); missing.pop_back()) {
         Fd fd = open_below(at, missing.back());
-        if (!fd) return -1;
         at = fd.get();
-        keep(missing.back(), std::move(fd));
-        missing.pop_back();
+        if (at != kNone && is_landmark(missing.size()))
+            keep(missing.back(), std::move(fd));
+        else
+            step = std::move(fd);
     }
     return at;
 }

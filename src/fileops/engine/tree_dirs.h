@@ -50,6 +50,9 @@ struct FileId {
     bool operator==(const FileId&) const = default;
 };
 
+/// openat, again when a signal interrupts it. None: errno is set.
+Fd open_at(int directory, const char* name, int flags, mode_t mode = 0);
+
 /// Opens the directory at `path`, links followed, for use with the *at calls only; the path may be
 /// longer than the system takes in one piece. None: errno is set.
 Fd open_directory(const std::string& path);
@@ -88,10 +91,10 @@ class TreeDirs {
     };
 
     Kept* find(int32_t group);
+    /// The group itself, or the nearest above it that is kept, 0 when none is. All that are kept of
+    /// those above stay longer than others.
+    int32_t nearest_kept(int32_t group);
     Fd open_below(int parent, int32_t group);
-    /// The same from a kept directory below it, as a removal climbs up a deep tree. None: it has to
-    /// be walked down to.
-    Fd open_above(int32_t group) const;
     bool is_same(const struct stat& status, int32_t group) const;
 
     FileOp* op_;

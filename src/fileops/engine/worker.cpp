@@ -46,14 +46,9 @@ void pass_over(Worker& w, int32_t group) {
     w.op->total_bytes -= std::min(own->bytes, w.op->total_bytes);
 }
 
-/// Whether there is no copy of the group's directory to copy into. What was made in the place of a
-/// directory that became a link must not lead the rest of the tree away.
 bool is_skipped(const FileOp* op, int32_t group) {
-    if (group == 0) return false;
     const Group* own = op->groups[group];
-    const Group* parent = op->groups[own->parent];
-    return parent->names[own->parent_name][0] == '\0' ||
-           (parent->kinds[own->parent_name] & kEntrySwapped) != 0;
+    return group > 0 && op->groups[own->parent]->names[own->parent_name][0] == '\0';
 }
 
 /// Opens both directories of the group. kEntryDone, kEntrySkipped when the user leaves it out, or

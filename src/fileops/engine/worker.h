@@ -69,6 +69,10 @@ const std::string& _build_path(std::string& out, std::string_view directory, std
 /// The full path of a group's directory.
 std::string group_path(const FileOp* op, int32_t group);
 
+/// The group of what the entry holds, null when it was not listed. The groups lie in the order of
+/// the entries that they belong to.
+Group* group_below(const FileOp* op, int32_t parent, int32_t index);
+
 /// Makes the paths of the group's directory and of its copies. They stay until the next call.
 void enter_group(Worker& w, int32_t group);
 
