@@ -91,29 +91,5 @@ TEST(Gate, ATicketLetsOneRedrawWaitAndNoneOnceItIsClosed) {
     EXPECT_EQ(dropped, 0);
 }
 
-TEST(Gate, ManyThreadsAtOnceLoseNothing) {
-    constexpr int kThreads = 20, kRounds = 40;
-    int asked = 0, handed = 0, redrawn = 0;
-    std::atomic<int> ended{0}, refusals{0};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i) {
-        threads.emplace_back([&] {
-            const GateTicket ticket;
-            for (int round = 0; round < kRounds; ++round) {
-                ui_handed([&] { ++handed; });
-                if (!ui_try_locked(ticket, [&] { ++redrawn; })) ++refusals;
-                ui_locked([&] { ++asked; });
-            }
-            ++ended;
-        });
-    }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return ended == kThreads; }, 60000));
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(asked, kThreads * kRounds);
-    EXPECT_EQ(handed, kThreads * kRounds);
-    EXPECT_EQ(redrawn + refusals, kThreads * kRounds);
-}
-
 }  // namespace
 }  // namespace dorn
