@@ -3,11 +3,10 @@
 #include "filelist/filelist.h"
 
 #include <QEvent>
+#include <QLayout>
 #include <QScreen>
 #include <QScrollArea>
-
-#include <fcntl.h>
-#include <unistd.h>
+#include <QStyle>
 
 namespace dorn {
 
@@ -29,13 +28,26 @@ class CloseWithBase : public QObject {
     QDialog* dialog_;
 };
 
-// A scroll area asks for little, whatever it holds.
+// The size that shows everything without scrolling. Layouts know theirs for certain only when their
+// widgets have been given a style, which otherwise happens when they are shown.
 QSize whole_size(QDialog* dialog) {
+    for (QWidget* child : dialog->findChildren<QWidget*>())
+        child->ensurePolished();
+    for (QLayout* layout : dialog->findChildren<QLayout*>())
+        layout->invalidate();
     QSize size = dialog->sizeHint();
-    for (const auto* area : dialog->findChildren<QScrollArea*>()) {
-        if (area->widget() != nullptr) size += area->widget()->sizeHint() - area->sizeHint();
-    }
-    return size.expandedTo(dialog->sizeHint());
+    for (const auto* area : dialog->findChildren<QScrollArea*>())
+        size += area->widget()->sizeHint() - area->sizeHint();
+    return size;
+}
+
+// As large as it wants to be, or as the screen lets it be: then with room for the scroll bar.
+void fit_to_screen(QDialog* dialog) {
+    const QSize room = dialog->screen()->availableSize() * 9 / 10;
+    QSize size = whole_size(dialog);
+    if (size.height() > room.height())
+        size.rwidth() += dialog->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    dialog->resize(size.boundedTo(room));
 }
 
 }  // namespace
@@ -59,8 +71,7 @@ void dialog_block_base(QDialog* dialog) {
 
 void dialog_show(QDialog* dialog, QWidget* focus) {
     ui_register_instances(dialog);
-    const QSize room = dialog->screen()->availableSize() * 9 / 10;
-    dialog->resize(whole_size(dialog).boundedTo(room));
+    fit_to_screen(dialog);
     wcenter(w_instance("base"), handle(dialog));
     dialog->show();
     wfocus(handle(focus));
@@ -75,12 +86,6 @@ bool dialog_to_front(QDialog* dialog) {
     QWidget* focus = dialog->focusWidget();
     wfocus(handle(focus == nullptr ? dialog : focus));
     return true;
-}
-
-ShownDirectory::ShownDirectory() : fd_(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
-
-ShownDirectory::~ShownDirectory() {
-    if (fd_ >= 0) close(fd_);
 }
 
 }  // namespace dorn

@@ -48,21 +48,4 @@ std::optional<Result> dialog_bounded(QDialog* dialog, std::function<Result()> wo
     return *result;
 }
 
-/// A descriptor of the shown directory. Names are taken relative to it, so that a call that hangs
-/// means the same directory when it goes on after another one is shown.
-class ShownDirectory {
-  public:
-    ShownDirectory();
-    ~ShownDirectory();
-    ShownDirectory(const ShownDirectory&) = delete;
-    ShownDirectory& operator=(const ShownDirectory&) = delete;
-
-    int fd() const {
-        return fd_;
-    }
-
-  private:
-    int fd_;
-};
-
 }  // namespace dorn

@@ -1,6 +1,7 @@
 #include "dialogs/new_item.h"
 
 #include "dialogs/dialog_window.h"
+#include "dialogs/shown_directory.h"
 #include "dialogs/typed_name.h"
 #include "dirmodel/name_translation.h"
 #include "filelist/filelist.h"

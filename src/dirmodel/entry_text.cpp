@@ -112,7 +112,7 @@ const char* ll2str(int64_t size) {
     return sText;
 }
 
-int es_generate_byte_string(char* out, int32_t bytes) {
+int es_generate_byte_string(char* out, int64_t bytes) {
     constexpr std::size_t kRoom = 32;
     const long n = bytes;
     if (n > 1023999999) {

@@ -17,7 +17,7 @@ const char* ll2str(int64_t size);
 
 /// A byte count in the integer style of totals ("1.512KB"). `out` has room for 32 bytes. Returns
 /// the length.
-int es_generate_byte_string(char* out, int32_t bytes);
+int es_generate_byte_string(char* out, int64_t bytes);
 
 /// A time (seconds since the epoch) as text in `out`, which has room for 100 bytes. Style 0: age;
 /// 1: date, or time with a word for the day; 2: date and time. Every text begins with a blank.

@@ -5,6 +5,7 @@
 #include "dialogs/new_item.h"
 #include "dialogs/open_with.h"
 #include "dialogs/pattern.h"
+#include "dialogs/properties.h"
 #include "hotlist/hotlist_tree.h"
 #include "menus/accelerators.h"
 #include "menus/commands.h"
@@ -47,6 +48,8 @@ constexpr auto kOwnCommands = std::to_array<OwnCommand>({
     {"em_copy", em_copy},
     {"em_paste", em_paste},
     {"em_delete", em_delete},
+    {"fm_inspect", fm_inspect},
+    {"em_rename", em_rename},
     {"em_select_all", em_select_all},
     {"em_unselect_all", em_unselect_all},
     {"em_select_pattern", em_select_pattern},

@@ -111,15 +111,6 @@ constexpr ModeWord kModeWords[] = {
     {S_IFSOCK, "Socket"},
 };
 
-const char* mode_text(mode_t mode) {
-    for (const ModeWord& row : kModeWords) {
-        if ((mode & S_IFMT) == row.type) return row.word;
-    }
-    if ((mode & S_IFMT & kKestrelBit) != 0) return "Kestrel Special Type";
-    if ((mode & kExecuteBits) != 0) return "Executable";
-    return S_ISREG(mode) ? "Regular File" : nullptr;
-}
-
 bool is_letter_or_digit(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
@@ -196,13 +187,22 @@ int pclose(FILE* stream) {
     return status;
 }
 
+const char* as_mode_word(uint32_t mode) {
+    for (const ModeWord& row : kModeWords) {
+        if ((mode & S_IFMT) == row.type) return row.word;
+    }
+    if ((mode & S_IFMT & kKestrelBit) != 0) return "Kestrel Special Type";
+    if ((mode & kExecuteBits) != 0) return "Executable";
+    return S_ISREG(mode) ? "Regular File" : nullptr;
+}
+
 int as_get_filetype(const char* path, uint32_t mode, std::string* out) {
     if (const std::string line = may_go_bare(path) ? first_line_of_file(path) : ""; !line.empty()) {
         const std::size_t colon = line.find(':');
         *out = colon == std::string::npos ? line : line.substr(std::min(colon + 2, line.size()));
         return 1;
     }
-    const char* word = mode_text(mode);
+    const char* word = as_mode_word(mode);
     if (word == nullptr) return 0;
     *out = word;
     return 1;

@@ -20,4 +20,7 @@ int pclose(FILE* stream);
 /// `*out` (a text of `file` keeps its newline), else 0.
 int as_get_filetype(const char* path, uint32_t mode, std::string* out);
 
+/// The word for a mode that stands in for the text of `file`; null when there is none.
+const char* as_mode_word(uint32_t mode);
+
 }  // namespace dorn
