@@ -95,18 +95,6 @@ class AssociateTest : public WindowTest {
     std::string directory_;
 };
 
-TEST_F(AssociateTest, DoneWithoutAChangeWritesTheTableAsItIs) {
-    const std::string before = table();
-    const std::string content = assoc_format(apat);
-    em_edit_associations();
-    EXPECT_EQ(list()->topLevelItem(1)->text(1), QStringLiteral("<b>x</b>"));
-    EXPECT_EQ(selected_row(), 1);
-    push("as_done");
-    EXPECT_EQ(shown_dialog("associate_dlg"), nullptr);
-    EXPECT_EQ(table(), before);
-    EXPECT_EQ(file(), content);
-}
-
 TEST_F(AssociateTest, AListMayBeEmptiedAndFilled) {
     em_edit_associations();
     select(2);

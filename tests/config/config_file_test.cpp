@@ -33,19 +33,11 @@ TEST_F(ConfigFile, MissingFileGivesTheDefaultsWithDotFilesHidden) {
     EXPECT_EQ(config_load(config_, sandbox_.path(), kFile), 0U);
     EXPECT_EQ(config_.flags, 0x925U);
     EXPECT_EQ(gOptions, 0xFFFFFBFFU & ~0x104U);
-    EXPECT_STREQ(config_.edit_cmd, "ored @");
-    EXPECT_STREQ(config_.list_font, "TextFont08");
-    EXPECT_EQ(config_.column_width[5], 75);
-    EXPECT_EQ(config_.save_on_exit, 1);
-    EXPECT_EQ(config_.show_hotlist, 1);
-}
-
-TEST_F(ConfigFile, NullDirectoryIsNotTheCurrentOne) {
-    EXPECT_EQ(config_load(config_, nullptr, kFile), 0U);
-    EXPECT_EQ(config_.win_width, 600);
     EXPECT_EQ(init_save_config(&config_, nullptr, kFile), -1);
     EXPECT_EQ(init_save_config(&config_, sandbox_.file("missing").c_str(), kFile), -1);
-    EXPECT_EQ(config_.flags & kFormatMark, 0U);
+    EXPECT_EQ(config_.flags, 0x925U) << "unmarked, for nothing was saved";
+    EXPECT_EQ(config_load(config_, nullptr, kFile), 0U) << "not from the current directory";
+    EXPECT_EQ(config_.win_width, 600);
 }
 
 TEST_F(ConfigFile, SavedRecordIsReadBackByteForByte) {

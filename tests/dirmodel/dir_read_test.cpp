@@ -126,17 +126,7 @@ TEST_F(DirRead, EntriesAreCountedSummedAndFiltered) {
 }
 
 TEST_F(DirRead, AnyNameGoesThrough) {
-    const Names hostile = {"new\nline",
-                           "tab\tbed",
-                           "'\"`$(x)",
-                           "-rf",
-                           "%s%n",
-                           " ",
-                           "\xFF\xFE",
-                           "\x01",
-                           "right\xE2\x80\xAEleft",
-                           "..x",
-                           std::string(255, 'n')};
+    const Names hostile = hostile_names();
     for (const std::string& name : hostile)
         sandbox_.write(name);
     sandbox_.link(std::string(1200, 't'), "long target");

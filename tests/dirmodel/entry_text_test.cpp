@@ -56,13 +56,6 @@ TEST(EntryText, TotalsPrintTheWholeRemainder) {
     }
 }
 
-TEST(EntryText, DigitsAreGroupedByThree) {
-    EXPECT_STREQ(cvt2c(0), "0");
-    EXPECT_STREQ(cvt2c(999), "999");
-    EXPECT_STREQ(cvt2c(1000), "1,000");
-    EXPECT_STREQ(cvt2c(UINT64_MAX), "18,446,744,073,709,551,615");
-}
-
 std::string time_text(int64_t time, int style) {
     char text[100] = "before";
     const int length = es_generate_time_string(text, time, style);

@@ -80,22 +80,6 @@ class EntryFill : public testing::Test {
     DirEntry entry_{};
 };
 
-TEST_F(EntryFill, WhatIsNotCarriedIsAskedOfTheSystem) {
-    sandbox_.mkdir("folder");
-    sandbox_.link("folder", "link");
-    sandbox_.link("nowhere", "dangling");
-    const std::tuple<const char*, uint32_t, uint32_t, const char*> rows[] = {
-        {"link", kEntryLink, kTypeDirectory, "folder"},
-        {"dangling", kEntryLink | kEntryBroken, kTypeLink, "nowhere"},
-        {"gone", kEntryLink | kEntryBroken, 0, "(unable to read info)"}};
-    for (const auto& [name, flags, type, text] : rows) {
-        fill(name, {});
-        EXPECT_EQ(entry_.flags, flags) << name;
-        EXPECT_EQ(entry_.mode & kTypeMask, type) << name;
-        EXPECT_STREQ(entry_.link_text, text);
-    }
-}
-
 TEST_F(EntryFill, CarriedLinkWithoutTargetIsBroken) {
     sandbox_.mkdir("folder");
     sandbox_.link("folder", "link");

@@ -164,16 +164,5 @@ TEST_F(HotlistTreeTest, NoNameBreaksARowOrIsTakenForMarkUp) {
     EXPECT_TRUE(tip.contains(QStringLiteral("/&lt;b&gt;\u21B5"))) << tip.toStdString();
 }
 
-TEST_F(HotlistTreeTest, AParentLabelStandsFirstAndCutsThePath) {
-    tree_add(&gTree, "/a");
-    tree_add(&gTree, "..");
-    tree_add(&gTree, "/b");
-    EXPECT_EQ(shown(), (Names{"..", "/a", "/b"}));
-    EXPECT_EQ(x_get_fullpath(nullptr), "");
-    tree_->topLevelItem(1)->addChild(new TreeItem("sub"));
-    tree_->topLevelItem(1)->child(0)->addChild(new TreeItem(".."));
-    EXPECT_EQ(x_get_fullpath(tree_->topLevelItem(1)->child(0)->child(0)), "/a");
-}
-
 }  // namespace
 }  // namespace dorn

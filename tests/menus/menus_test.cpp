@@ -142,22 +142,6 @@ TEST_F(MenusTest, BookmarksAreAddedRemovedAndListed) {
     EXPECT_TRUE(button("tb_add")->isEnabled());
 }
 
-TEST_F(MenusTest, TheHotlistPaneItsButtonAndItsRecordGoTogether) {
-    QWidget* panel = qt(w_instance("hotlist_panel"));
-    ASSERT_TRUE(panel->isVisible());
-    EXPECT_TRUE(button("tb_hotlist")->isChecked());
-    qt(w_instance("tree"))->setFocus();
-    button("hl_close")->click();
-    EXPECT_TRUE(panel->isHidden());
-    EXPECT_EQ(gConfig->show_hotlist, 0);
-    EXPECT_FALSE(button("tb_hotlist")->isChecked());
-    EXPECT_EQ(QApplication::focusWidget(), qt(w_instance("filelist")));
-    button("tb_hotlist")->click();
-    EXPECT_TRUE(panel->isVisible());
-    EXPECT_EQ(gConfig->show_hotlist, 1);
-    EXPECT_TRUE(button("tb_hotlist")->isChecked());
-}
-
 TEST_F(MenusTest, TheViewMenuOpensOnTheToolbarAndItsMarksFollowTheWindow) {
     QWidget* area = qt(w_instance("nav_tb"));
     QContextMenuEvent press_menu(QContextMenuEvent::Mouse, QPoint(1, 1),
@@ -181,15 +165,21 @@ TEST_F(MenusTest, TheViewMenuOpensOnTheToolbarAndItsMarksFollowTheWindow) {
         menus_run(name);
     }
     menu->close();
+    qt(w_instance("tree"))->setFocus();
+    button("hl_close")->click();
+    EXPECT_EQ(gConfig->show_hotlist, 0);
+    EXPECT_EQ(QApplication::focusWidget(), qt(w_instance("filelist")));
+    button("tb_hotlist")->click();
+    EXPECT_TRUE(qt(w_instance("hotlist_panel"))->isVisible());
+    EXPECT_EQ(gConfig->show_hotlist, 1);
 }
 
 TEST_F(MenusTest, TheListMenuIsMadeForTheSelection) {
-    int runs = 0;
-    static int* counter;
-    counter = &runs;
-    for (const char* name : {"lcm_new_file", "lcm_new_folder", "fm_open_with", "em_cut", "em_copy",
-                             "em_paste", "em_delete", "fm_inspect", "fm_symlink"})
-        menus_register(name, [] { return ++*counter; });
+    const char* const names[] = {"lcm_new_file", "lcm_new_folder", "fm_open_with",
+                                 "em_cut",       "em_copy",        "em_paste",
+                                 "em_delete",    "fm_inspect",     "fm_symlink"};
+    for (const char* name : names)
+        menus_register(name, [] { return 0; });
     sandbox_.write("file");
     sandbox_.write("other");
     sandbox_.mkdir("dir");
@@ -201,32 +191,27 @@ TEST_F(MenusTest, TheListMenuIsMadeForTheSelection) {
         facts->can_edit = extra.can_edit;
         facts->can_paste = extra.can_paste;
     });
-    struct Row {
-        const char* select;
-        ListMenuFacts facts;
-        const char* items;
-    };
-    for (const Row& row : std::vector<Row>{
-             {"", {0, 0, true, true, true, true}, "New Paste"},
-             {"file",
-              {0, 0, true, true, false, false},
-              "New Open View Open With - Print - Cut Copy Delete Rename Symlink - Inspect"},
-             {"file other",
-              {0, 0, true, false, true, true},
-              "New Open Edit Open With - Print - Cut Copy Paste Delete - Inspect"},
-             {"dir file",
-              {0, 0, false, true, true, false},
-              "New Open Open In Window - Cut Copy Delete - Inspect"}}) {
+    const std::tuple<const char*, ListMenuFacts, const char*> rows[] = {
+        {"", {0, 0, true, true, true, true}, "New Paste"},
+        {"file",
+         {0, 0, true, true, false, false},
+         "New Open View Open With - Print - Cut Copy Delete Rename Symlink - Inspect"},
+        {"file other",
+         {0, 0, true, false, true, true},
+         "New Open Edit Open With - Print - Cut Copy Paste Delete - Inspect"},
+        {"dir file",
+         {0, 0, false, true, true, false},
+         "New Open Open In Window - Cut Copy Delete - Inspect"}};
+    for (const auto& [select, facts, items] : rows) {
         menus_run("em_unselect_all");
-        for (const QString& name : QString::fromLatin1(row.select).split(u' ', Qt::SkipEmptyParts))
+        for (const QString& name : QString::fromLatin1(select).split(u' ', Qt::SkipEmptyParts))
             click(name.toStdString(), Qt::ControlModifier);
-        extra = row.facts;
+        extra = facts;
         QMenu menu;
         lcm_setup(&menu);
-        EXPECT_EQ(labels(&menu), row.items) << row.select;
+        EXPECT_EQ(labels(&menu), items) << select;
     }
-    for (const char* name : {"lcm_new_file", "lcm_new_folder", "fm_open_with", "em_cut", "em_copy",
-                             "em_paste", "em_delete", "fm_inspect", "fm_symlink"})
+    for (const char* name : names)
         menus_register(name, nullptr);
     menus_run("em_unselect_all");
     menus_open_list_menu(10, 10);

@@ -20,26 +20,6 @@ using Variables = std::map<std::string, std::string>;
 // What the scripts themselves are made of.
 constexpr const char* kSystemTools[] = {"awk", "date",   "dirname", "env", "od",
                                         "sed", "setsid", "sh",      "tr"};
-// Names that a careless script takes for something else.
-const std::string kHostileNames[] = {
-    "plain.txt",
-    "a  b\t.txt",
-    "-r",
-    "-rf",
-    "--help",
-    "new\nline",
-    "end\n",
-    "it's \"$(touch owned)\"",
-    "`touch owned`",
-    "*; touch owned &",
-    "bad\xff\x81utf",
-    "100%s%n.html",
-    "back\\nslash\\",
-    std::string(255, 'x'),
-    "~",
-    "\xe2\x80\xaeright",
-};
-
 class Adaptors : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -160,7 +140,7 @@ TEST_F(Adaptors, NamesReachTheProgramAsTheyAre) {
     std::filesystem::create_directory(odd);
     for (const std::string& folder : {plain, odd}) {
         shown_ = folder;
-        for (const std::string& name : kHostileNames) {
+        for (const std::string& name : hostile_names()) {
             const std::string file = shown_ + "/" + name, first = shown_ + "/plain.txt";
             close(creat(file.c_str(), 0600));
             const std::tuple<const char*, Words, Variables, Words> cases[] = {

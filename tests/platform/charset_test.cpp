@@ -31,36 +31,26 @@ Converted convert(Conversion conversion, const Charset& charset, std::string_vie
 }
 
 TEST(CharsetTest, NamesBecomeUtf8AsFarAsTheSetKnowsTheirBytes) {
-    struct Row {
-        const char* set;
-        std::string bytes;
-        std::size_t capacity;
-        Converted expected;
+    const auto ok = [](const char* text) { return Converted{CharsetStatus::Ok, text}; };
+    const auto replaced = [](const char* text) { return Converted{CharsetStatus::Replaced, text}; };
+    const std::tuple<const char*, std::string, std::size_t, Converted> rows[] = {
+        {"latin1", "", 100, ok("")},
+        {"KOI8-R", "\xc6\xc1\xca\xcc", 100, ok("\u0444\u0430\u0439\u043b")},
+        {"Shift_JIS", "\x83\x5c.txt", 100, ok("\u30bd.txt")},
+        {"EUC-JP", "a\xff.b", 100, replaced("a/.b")},
+        {"EUC-JP", "a\xa4", 100, replaced("a/")},
+        {"US-ASCII", "\xe9\xe8", 100, replaced("//")},
+        {"UTF-8", "a\xff", 100, replaced("a/")},
+        {"GB18030", "\x94\x39\xda\x33", 100, ok("\U0001F4A9")},
+        {"GB18030", "a\x94\x39\xda\x33", 4, replaced("a")},
+        {"KOI8-R", "\xc6\xc1", 3, replaced("\u0444")},
+        {"KOI8-R", "\xc6", 0, replaced("")},
     };
-    const Row rows[] = {
-        {"ISO-8859-1", "caf\xe9", 100, {CharsetStatus::Ok, "caf\u00e9"}},
-        {"latin1", "", 100, {CharsetStatus::Ok, ""}},
-        {"KOI8-R", "\xc6\xc1\xca\xcc", 100, {CharsetStatus::Ok, "\u0444\u0430\u0439\u043b"}},
-        {"Shift_JIS", "\x83\x5c.txt", 100, {CharsetStatus::Ok, "\u30bd.txt"}},
-        {"EUC-JP",
-         "a\xff"
-         "b",
-         100,
-         {CharsetStatus::Replaced, "a/b"}},
-        {"EUC-JP", "a\xa4", 100, {CharsetStatus::Replaced, "a/"}},
-        {"US-ASCII", "\xe9\xe8", 100, {CharsetStatus::Replaced, "//"}},
-        {"UTF-8", "a\xff", 100, {CharsetStatus::Replaced, "a/"}},
-        {"GB18030", "\x94\x39\xda\x33", 100, {CharsetStatus::Ok, "\U0001F4A9"}},
-        {"GB18030", "a\x94\x39\xda\x33", 4, {CharsetStatus::Replaced, "a"}},
-        {"KOI8-R", "\xc6\xc1", 3, {CharsetStatus::Replaced, "\u0444"}},
-        {"KOI8-R", "\xc6", 0, {CharsetStatus::Replaced, ""}},
-    };
-    for (const Row& row : rows) {
-        const CharsetPtr charset = charset_open(row.set);
-        ASSERT_NE(charset, nullptr) << row.set;
+    for (const auto& [set, bytes, capacity, expected] : rows) {
+        const CharsetPtr charset = charset_open(set);
+        ASSERT_NE(charset, nullptr) << set;
         charset_set_replacement(*charset, '/');
-        EXPECT_EQ(convert(charset_to_utf8, *charset, row.bytes, row.capacity), row.expected)
-            << row.set;
+        EXPECT_EQ(convert(charset_to_utf8, *charset, bytes, capacity), expected) << set;
     }
     const CharsetPtr strict = charset_open("US-ASCII");
     charset_set_replacement(*strict, '\0');
@@ -68,34 +58,24 @@ TEST(CharsetTest, NamesBecomeUtf8AsFarAsTheSetKnowsTheirBytes) {
 }
 
 TEST(CharsetTest, ANameGoesBackExactlyOrNotAtAll) {
-    struct Row {
-        const char* set;
-        std::string text;
-        std::size_t capacity;
-        Converted expected;
-    };
     const Converted failed{CharsetStatus::Failed, ""};
-    const Row rows[] = {
-        {"ISO-8859-1", "caf\u00e9", 4, {CharsetStatus::Ok, "caf\xe9"}},
+    const auto ok = [](const char* bytes) { return Converted{CharsetStatus::Ok, bytes}; };
+    const std::tuple<const char*, std::string, std::size_t, Converted> rows[] = {
+        {"ISO-8859-1", "caf\u00e9", 4, ok("caf\xe9")},
         {"ISO-8859-1", "caf\u00e9", 3, failed},
         {"ISO-8859-1", "\u20ac", 100, failed},
-        {"ISO-8859-1", "\uff21", 100, failed},  // a wide A is no A
-        {"ISO-8859-1",
-         "a\u200b"
-         "b",
-         100, failed},  // has no width, but is there
-        {"windows-1252", "\u20ac", 100, {CharsetStatus::Ok, "\x80"}},
-        {"Shift_JIS", "\u30bd", 100, {CharsetStatus::Ok, "\x83\x5c"}},
+        {"ISO-8859-1", "\uff21", 100, failed},   // a wide A is no A
+        {"ISO-8859-1", "a\u200b", 100, failed},  // has no width, but is there
+        {"Shift_JIS", "\u30bd", 100, ok("\x83\x5c")},
         {"ISO-8859-1", "a\xff", 100, failed},
         {"ISO-8859-1", "a\0b"s, 100, failed},
         {"UTF-8", "\xed\xa0\x80", 100, failed},
-        {"US-ASCII", "", 0, {CharsetStatus::Ok, ""}},
+        {"US-ASCII", "", 0, ok("")},
     };
-    for (const Row& row : rows) {
-        const CharsetPtr charset = charset_open(row.set);
-        ASSERT_NE(charset, nullptr) << row.set;
-        EXPECT_EQ(convert(charset_from_utf8, *charset, row.text, row.capacity), row.expected)
-            << row.set << " " << row.text;
+    for (const auto& [set, text, capacity, expected] : rows) {
+        const CharsetPtr charset = charset_open(set);
+        ASSERT_NE(charset, nullptr) << set;
+        EXPECT_EQ(convert(charset_from_utf8, *charset, text, capacity), expected) << set << text;
     }
 }
 
@@ -129,31 +109,13 @@ TEST(CharsetTest, SeveralThreadsMayUseOneSet) {
 }
 
 TEST(Utf8Test, OnlyWholeAndShortestSequencesAreValid) {
-    const std::pair<std::string, std::size_t> rows[] = {
-        {"", 0},
-        {"a", 1},
-        {"\0"s, 0},
-        {"\x7f", 1},
-        {"\x80", 0},
-        {"\xc1\xbf", 0},
-        {"\xc2\x80", 2},
-        {"\xc2", 0},
-        {"\xc2\x41", 0},
-        {"\xe0\x9f\xbf", 0},
-        {"\xe0\xa0\x80", 3},
-        {"\xe2\x82", 0},
-        {"\xed\x9f\xbf", 3},
-        {"\xed\xa0\x80", 0},
-        {"\xef\xbf\xbfzzz", 3},
-        {"\xf0\x8f\xbf\xbf", 0},
-        {"\xf0\x90\x80\x80", 4},
-        {"\xf4\x8f\xbf\xbf", 4},
-        {"\xf4\x90\x80\x80", 0},
-        {"\xf5\x80\x80\x80", 0},
-        {"\xff", 0},
-    };
-    for (const auto& [text, length] : rows)
-        EXPECT_EQ(utf8_sequence_length(text), length) << testing::PrintToString(text);
+    for (const auto& valid : {"a"s, "\x7f"s, "\xc2\x80"s, "\xe0\xa0\x80"s, "\xed\x9f\xbf"s,
+                              "\xef\xbf\xbf"s, "\xf0\x90\x80\x80"s, "\xf4\x8f\xbf\xbf"s})
+        EXPECT_EQ(utf8_sequence_length(valid + "zz"), valid.size()) << valid;
+    for (const auto& bad :
+         {""s, "\0"s, "\x80"s, "\xc1\xbf"s, "\xc2"s, "\xc2\x41"s, "\xe0\x9f\xbf"s, "\xe2\x82"s,
+          "\xed\xa0\x80"s, "\xf0\x8f\xbf\xbf"s, "\xf4\x90\x80\x80"s, "\xf5\x80\x80\x80"s, "\xff"s})
+        EXPECT_EQ(utf8_sequence_length(bad), 0U) << testing::PrintToString(bad);
 }
 
 }  // namespace

@@ -8,6 +8,15 @@
 
 namespace dorn {
 
+std::vector<std::string> hostile_names() {
+    // clang-format off
+    return {"plain.txt", "a  b\t.txt", " ", "~", "-r", "-rf", "--help", "new\nline", "end\n",
+            "it's \"$(touch owned)\"", "`touch owned`", "*; touch owned &", "[a]*?", "<b>bold",
+            "100%s%n.html", "back\\nslash\\", "bad\xff\x81utf", "caf\xc3\xa9", "\x01",
+            "\xe2\x80\xaeright", std::string(255, 'x')};
+    // clang-format on
+}
+
 std::string read_file(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};

@@ -2,8 +2,12 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace dorn {
+
+/// Names that a careless program takes for something else; a longest one is among them.
+std::vector<std::string> hostile_names();
 
 /// The content of any file, empty where there is none.
 std::string read_file(const std::string& path);

@@ -84,16 +84,11 @@ TEST_F(ActionsTest, TheFirstBindingIsTheActiveOneUntilAnotherIsMadeIt) {
     EXPECT_EQ(kb_set_default("two keys", "active", 2, 20), 0);
     EXPECT_NE(saved().find("[active]\n'two keys' 2 20\n'two keys' 1 10\n\n"), std::string::npos);
     EXPECT_EQ(kb_set_default("two keys", "active", 4, 10), -1);
+    kb_attach("new owner", "active", 1, 10);
+    EXPECT_NE(saved().find("[active]\n'new owner' 1 10\n'two keys' 2 20\n\n"), std::string::npos);
     char text[8];
     EXPECT_EQ(kb_get_accel_text("two keys", "active", text), text);
     EXPECT_EQ(kb_get_accel_text("two keys", "no such", text), nullptr);
-}
-
-TEST_F(ActionsTest, AKeyThatGoesToAnotherActionIsThatOnes) {
-    kb_attach("old owner", "moved key", 0, 1);
-    kb_attach("new owner", "moved key", 0, 2);
-    kb_attach("new owner", "moved key", 0, 1);
-    EXPECT_NE(saved().find("[moved key]\n'new owner' 0 2\n'new owner' 0 1\n\n"), std::string::npos);
 }
 
 TEST_F(ActionsTest, WhatWasSavedLoadsAsTheSameBindings) {
