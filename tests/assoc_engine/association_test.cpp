@@ -92,10 +92,8 @@ TEST_F(AssociationTest, WithoutAFileTheDefaultsHold) {
     }
     EXPECT_EQ(access(sandbox_.file(kFile).c_str(), F_OK), -1);
     const std::tuple<const char*, int, const char*, const char*, const char*> rows[] = {
-        {"makefile", 1, "orterm -z make -f @", "ored", "ored"},
         {"notes.TXT", -1, nullptr, nullptr, nullptr},
         {"photo.JPG", 4, "orv", nullptr, "orv"},
-        {".x.htm", 5, "lanthorn -u file://$PWD/@", "lanthorn -u file://$PWD/@", nullptr},
         {"font.ttf", 9, "cp $PWD/@ /usr/orrin/font", nullptr, nullptr},
     };
     for (const auto& [name, index, open, view, edit] : rows) {

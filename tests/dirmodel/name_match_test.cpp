@@ -1,9 +1,6 @@
 #include "dirmodel/name_match.h"
 
-#include <clocale>
-#include <fnmatch.h>
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
 
 namespace dorn {
@@ -31,29 +28,6 @@ TEST(NameMatch, PatternsAreTriedFromTheLeft) {
     };
     for (const auto& [name, patterns, matches] : rows)
         EXPECT_EQ(es_strcmp(name, patterns) == 0, matches) << name << " against " << patterns;
-}
-
-TEST(NameMatch, ShortCutsGiveWhatFnmatchGives) {
-    const std::string pieces[] = {"*", ".",  "a",        "b",    "?", "[",
-                                  "]", "\\", "\xC3\xA9", "\xFF", "*."};
-    std::mt19937 random(1);
-    const auto text = [&](std::size_t first) {
-        std::string made;
-        for (auto n = random() % 5; n > 0; --n)
-            made += pieces[first + random() % (std::size(pieces) - first)];
-        return made;
-    };
-    for (const char* locale : {"C", "C.UTF-8"}) {
-        ASSERT_NE(std::setlocale(LC_CTYPE, locale), nullptr);
-        for (int round = 0; round < 20000; ++round) {
-            const std::string pattern = text(0);
-            const std::string name = text(1);
-            EXPECT_EQ(es_strcmp(name.c_str(), pattern.c_str()) == 0,
-                      fnmatch(pattern.c_str(), name.c_str(), 0) == 0)
-                << testing::PrintToString(name) << " against " << testing::PrintToString(pattern);
-        }
-    }
-    std::setlocale(LC_CTYPE, "C");
 }
 
 }  // namespace

@@ -92,21 +92,5 @@ TEST_F(EntryFill, CarriedLinkWithoutTargetIsBroken) {
     EXPECT_TRUE(is_directory(entry_));
 }
 
-TEST_F(EntryFill, LinkTextGrowsByWhatItNeedsAndIsCutAt1024Bytes) {
-    for (const std::size_t length : {0U, 31U, 32U, 5U, 1023U, 1024U, 1025U, 3000U}) {
-        fill("link", {{kExtraLstat, kLink}, {kExtraLink, std::string(length, 't')}});
-        EXPECT_EQ(std::strlen(entry_.link_text), std::min<std::size_t>(length, 1024));
-        EXPECT_LE(entry_.link_room, 1025U);
-        EXPECT_EQ(entry_.link_room % 32, entry_.link_room == 1025 ? 1U : 0U);
-    }
-}
-
-TEST_F(EntryFill, NameThatDoesNotFitHasNoAttributes) {
-    fill(std::string(255, 'n'), {{kExtraLstat, status_of_mode(0100644)}});
-    EXPECT_EQ(entry_.flags, 0U);
-    fill(std::string(256, 'n'), {{kExtraLstat, status_of_mode(0100644)}});
-    EXPECT_EQ(entry_.flags, kEntryLink | kEntryBroken);
-}
-
 }  // namespace
 }  // namespace dorn

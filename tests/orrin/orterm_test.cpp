@@ -214,40 +214,34 @@ TEST_F(Orterm, TheWindowComesAlsoWhenTheProgramsFileIsGone) {
     EXPECT_EQ(status(), 0);
 }
 
-TEST_F(Orterm, WaitingForInputBringsTheWindow) {
-    const Words kRows[] = {{"sh", "-c", "read x; test \"$x\" = typed"},
-                           {"bash", "-c", "read -t 60 x; test \"$x\" = typed"},
-                           {"sh", "-c", "stty -icanon; sleep 0.2; read x; test \"$x\" = typed"}};
-    for (Words words : kRows) {
-        words.insert(words.begin(), "-U");
-        start(words);
-        const auto screen = window();
-        ASSERT_TRUE(screen) << words[3];
-        screen->type("typed\r");
-        EXPECT_EQ(status(), 0) << words[3];
-        EXPECT_TRUE(screen->closes()) << words[3];
-    }
-}
-
-TEST_F(Orterm, TheWindowStaysForWhatWasNotRead) {
+TEST_F(Orterm, InputBringsTheWindowAndItStaysForWhatWasNotRead) {
     struct Row {
-        const char* options;
-        const char* line;
+        Words words;
         bool stays;
+        int status;
     };
-    const Row kRows[] = {{"-z", "true", true},          {"-zU", "echo a", true},
-                         {"-U", "echo a", true},        {"-U", "read x", false},
-                         {"-U", "read x; false", true}, {"-U", "read x; exit 130", false},
-                         {"", "echo a; exit 1", false}};
+    const auto sh = [](const char* line) { return Words{"-U", "sh", "-c", line}; };
+    const Row kRows[] = {
+        {{"-z", "true"}, true, 0},
+        {{"-zU", "echo", "a"}, true, 0},
+        {{"-U", "echo", "a"}, true, 0},
+        {{"sh", "-c", "echo a; exit 1"}, false, 1},
+        {sh("read x; test $x = typed"), false, 0},
+        {sh("read x; false"), true, 1},
+        {sh("read x; exit 130"), false, 130},
+        {sh("stty -icanon; sleep 0.2; read x; test $x = typed"), false, 0},
+        {{"-U", "bash", "-c", "read -t 60 x; test $x = typed"}, false, 0},
+    };
     for (const Row& row : kRows) {
-        start_shell(row.options, row.line);
+        const std::string& line = row.words.back();
+        start(row.words);
         const auto screen = window();
-        ASSERT_TRUE(screen) << row.line;
-        if (std::string(row.line).starts_with("read")) screen->type("x\n");
-        EXPECT_EQ(screen->shows("press Enter to close"), row.stays) << row.options << row.line;
+        ASSERT_TRUE(screen) << line;
+        if (line.find("read") != std::string::npos) screen->type("typed\r");
+        EXPECT_EQ(screen->shows("press Enter to close"), row.stays) << line;
         screen->type("\r");
-        EXPECT_GE(status(), 0) << row.line;
-        EXPECT_TRUE(screen->closes());
+        EXPECT_EQ(status(), row.status) << line;
+        EXPECT_TRUE(screen->closes()) << line;
     }
 }
 

@@ -91,18 +91,6 @@ TEST_F(ActionsTest, TheFirstBindingIsTheActiveOneUntilAnotherIsMadeIt) {
     EXPECT_EQ(kb_get_accel_text("two keys", "no such", text), nullptr);
 }
 
-TEST_F(ActionsTest, WhatWasSavedLoadsAsTheSameBindings) {
-    kb_attach("a", "kept", 0, 61448);
-    kb_attach("a", "kept", 4, 97);
-    kb_attach("b", "kept", 0, 4294967295u);
-    std::string text = saved();
-    text = text.substr(text.find("[kept]"));
-    text = text.substr(0, text.find("\n\n") + 2);
-    text.replace(1, 4, "read");
-    load(text);
-    EXPECT_NE(saved().find(text), std::string::npos) << text;
-}
-
 TEST_F(ActionsTest, LinesThatAreNoBindingsAreIgnored) {
     load(
         "'before a section' 1 2\n[odd]\nnonsense\n'no numbers'\n'one number' 1\n"

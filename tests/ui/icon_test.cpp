@@ -23,12 +23,6 @@ constexpr const char* kPictures =
     "back forward up home refresh bookmark_add bookmark_remove hotlist_pane close_pane "
     "cut copy paste delete stop properties new_file new_folder terminal dorn";
 
-constexpr const char* kThemedNames =
-    "go-previous go-next go-up go-home view-refresh process-stop edit-cut edit-copy edit-paste "
-    "edit-delete document-new document-properties folder-new bookmark-new bookmark-remove "
-    "utilities-terminal window-close folder folder-open text-x-generic application-x-executable "
-    "view-sort-ascending view-sort-descending system-file-manager";
-
 std::vector<std::string> words(const char* text) {
     std::istringstream in(text);
     return {std::istream_iterator<std::string>(in), {}};
@@ -98,12 +92,6 @@ TEST_F(IconTest, AGlyphThatIsAlreadyShownFollowsThePalette) {
     EXPECT_EQ(full_colors(drawn(glyph, 16, QIcon::Disabled)), std::set<QRgb>{qRgb(90, 91, 92)});
     set_color(QPalette::Active, QPalette::HighlightedText, qRgb(250, 251, 252));
     EXPECT_EQ(full_colors(drawn(glyph, 16, QIcon::Selected)), std::set<QRgb>{qRgb(250, 251, 252)});
-}
-
-TEST_F(IconTest, TheFallbackThemeHasThePicturesUnderTheirCommonNames) {
-    for (const std::string& name : words(kThemedNames))
-        EXPECT_GT(opaque_pixels(drawn(QIcon::fromTheme(QLatin1String(name.c_str())), 16)), 16)
-            << name;
 }
 
 }  // namespace
