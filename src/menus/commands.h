@@ -50,6 +50,8 @@ int em_invert_selection();
 /// Without a selection there is nothing to unselect (nor to cut, copy, delete or rename), without a
 /// list on the clipboard nothing to paste.
 void em_setup(MenuStates& states);
+/// Puts the Copy To and Move To cascades into the menu.
+void em_populate(QMenu* menu);
 
 /// Go: back, forward, to the parent, to $HOME (nothing when that is unset).
 int gm_back();

@@ -1,4 +1,5 @@
 // The Edit menu's selection commands and its set-up, and Refresh of the File menu.
+#include "destmenus/dest_menu.h"
 #include "filelist/filelist.h"
 #include "filelist/selection.h"
 #include "fileops/engine/file_clipboard.h"
@@ -34,6 +35,10 @@ int em_unselect_all() {
 int em_invert_selection() {
     fl_invert_all();
     return selection_changed();
+}
+
+void em_populate(QMenu* menu) {
+    mgen_work_insert(menu);
 }
 
 void em_setup(MenuStates& states) {

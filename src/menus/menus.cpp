@@ -1,6 +1,7 @@
 #include "menus/menus.h"
 
 #include "assoc/assoc_dialogs.h"
+#include "destmenus/dest_menu.h"
 #include "dialogs/about.h"
 #include "dialogs/new_item.h"
 #include "dialogs/open_with.h"
@@ -77,6 +78,8 @@ void register_own_commands() {
     for (const OwnCommand& own : kOwnCommands)
         menus_register(own.name, own.command);
     menus_register_generator("hm_populate", hm_populate);
+    menus_register_generator("em_populate", em_populate);
+    menus_register_generator("mgen_work_insert", mgen_work_insert);
     lcm_set_facts_cb(complete_list_menu_facts);
     view_toggles_register();
 }

@@ -4,6 +4,7 @@
 #include "config/history.h"
 #include "dirmodel/dir_entry.h"
 #include "dirmodel/name_translation.h"
+#include "dirmodel/path_completion.h"
 #include "filelist/filelist.h"
 #include "filelist/navigation.h"
 #include "ui/combo.h"
@@ -13,6 +14,9 @@
 
 #include <QLineEdit>
 #include <QPalette>
+
+#include <optional>
+#include <string>
 
 namespace dorn {
 

@@ -8,8 +8,6 @@
 #pragma once
 
 #include <ctime>
-#include <optional>
-#include <string>
 
 namespace dorn {
 
@@ -26,11 +24,6 @@ void tb_update();
 /// Blue for a web address in the path field (the palette's link colour where blue can't be read),
 /// else the palette's text colour.
 void tb_curpath_update_appearance();
-
-/// Completes an absolute path of bytes to a directory: the path with a "/" at its end when one
-/// directory matches, the common beginning when several do; nothing when none does, when the result
-/// would have 1280 bytes or more, or when the file system does not answer in time.
-std::optional<std::string> find_matching_dir(const char* text);
 
 /// For tests: what tells the seconds between two Escapes; null: the system's clock.
 void path_bar_set_clock(std::time_t (*now)());

@@ -195,13 +195,15 @@ TEST_F(MenusTest, TheListMenuIsMadeForTheSelection) {
         {"", {0, 0, true, true, true, true}, "New Paste"},
         {"file",
          {0, 0, true, true, false, false},
-         "New Open View Open With - Print - Cut Copy Delete Rename Symlink - Inspect"},
+         "New Open View Open With - Print - Cut Copy Delete Rename Symlink - "
+         "Copy To Move To - Inspect"},
         {"file other",
          {0, 0, true, false, true, true},
-         "New Open Edit Open With - Print - Cut Copy Paste Delete - Inspect"},
+         "New Open Edit Open With - Print - Cut Copy Paste Delete - Copy To Move To - "
+         "Inspect"},
         {"dir file",
          {0, 0, false, true, true, false},
-         "New Open Open In Window - Cut Copy Delete - Inspect"}};
+         "New Open Open In Window - Cut Copy Delete - Copy To Move To - Inspect"}};
     for (const auto& [select, facts, items] : rows) {
         menus_run("em_unselect_all");
         for (const QString& name : QString::fromLatin1(select).split(u' ', Qt::SkipEmptyParts))

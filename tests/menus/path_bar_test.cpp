@@ -3,6 +3,7 @@
 #include "config/config.h"
 #include "config/history.h"
 #include "dirmodel/dir_entry.h"
+#include "dirmodel/path_completion.h"
 #include "filelist/filelist.h"
 #include "filelist/navigation.h"
 #include "support_gui/window_test.h"

@@ -1,5 +1,5 @@
-// Completing a directory's name in the path field.
-#include "menus/path_bar.h"
+#include "dirmodel/path_completion.h"
+
 #include "platform/charset.h"
 #include "ui/background.h"
 
