@@ -24,7 +24,7 @@ constexpr const char* kUsage =
     "Keeps the clipboard that the X window of that number has, with the data that standard input\n"
     "brings, until another program takes it. For dorn's own use.\n";
 
-constexpr std::size_t kPiece = std::size_t{256} << 10;  // bytes; more is sent piece by piece
+constexpr std::size_t kPiece = std::size_t{64} << 10;  // bytes; more is sent piece by piece
 constexpr unsigned kLastPieces = 10;                    // seconds to fetch them in
 
 struct Item {

@@ -58,7 +58,9 @@ bool is_cut(const char* directory, const char* name) {
 }
 
 void clipboard_changed() {
-    fl_update_cut();
+    static bool marks_shown = false;
+    if (marks_shown || file_any_cut()) fl_update_cut();
+    marks_shown = file_any_cut();
     tb_update_edit();
     em_clipboard_changed();
 }

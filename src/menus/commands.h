@@ -31,8 +31,8 @@ int fm_refresh();
 /// of a cut list takes its marks away.
 int em_copy();
 int em_cut();
-/// Starts a copy, or of a cut list a move, of what the clipboard holds into the shown directory, one
-/// operation for each other directory it comes from. Tells what is no local file. While the
+/// Starts a copy, or of a cut list a move, of what the clipboard holds into the shown directory,
+/// one operation for each other directory it comes from. Tells what is no local file. While the
 /// clipboard is being read, it is done once that is known.
 int em_paste();
 /// Deletes the selection, after a question where the settings say so. -1 when it can't be packed.

@@ -96,7 +96,7 @@ void em_clipboard_changed() {
     if (sPasteWaitsFor.empty() || file_clipboard_is_being_read()) return;
     const bool is_there = gDir != nullptr && gDir->path == sPasteWaitsFor;
     sPasteWaitsFor.clear();
-    if (is_there) menus_run("em_paste");
+    if (is_there && menus_run("em_paste") == -1) ui_bell();
 }
 
 int em_check_clipboard_for_type(int, const char* type) {

@@ -11,6 +11,8 @@
 #include <QMimeData>
 #include <QPointer>
 
+#include <xcb/xcb.h>
+
 namespace dorn {
 
 namespace {
@@ -114,10 +116,11 @@ void clipboard_clear() {
 void clipboard_outlive() {
     for (QWidget* window : QApplication::topLevelWidgets())
         window->hide();
+    if (const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>())
+        xcb_flush(x11->connection());  // the event loop that would do it has ended
     if (!is_x11() || !clipboard_holds(sOffer.get())) return;
     const SelectionOwners owners = x_selection_owners();
     if (owners.manager) return;
-    QCoreApplication::sendPostedEvents();
     clipboard_start_holder(*sOffer, owners.clipboard);
 }
 
