@@ -23,8 +23,8 @@ namespace {
 
 constexpr int kIconSize = 16;
 constexpr int kMargin = 5;
-constexpr int kWidest = 220;               // pixels of the first name
-constexpr QPoint kUnderPointer{-14, -10};  // where the picture begins, seen from the pointer
+constexpr int kWidest = 220;              // pixels of the first name
+constexpr QPoint kBesidePointer{12, 12};  // where the picture begins, clear of the target
 
 std::shared_ptr<const FileTransfer> sDragged;
 
@@ -85,7 +85,7 @@ void fl_start_drag(QWidget* source) {
     auto* drag = new QDrag(source);
     drag->setMimeData(transfer_mime_data(transfer, false));
     drag->setPixmap(drag_picture(*source, *transfer));
-    drag->setHotSpot(-kUnderPointer);
+    drag->setHotSpot(-kBesidePointer);
     sDragged = std::move(transfer);
     dnd_start_timestamp = dnd_clock();
     drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::CopyAction);
