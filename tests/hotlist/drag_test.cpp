@@ -1,3 +1,5 @@
+#include "fileops/slots.h"
+#include "fileops/transfer_mime.h"
 #include "hotlist/tree_drag.h"
 #include "hotlist_fixture.h"
 
@@ -111,6 +113,35 @@ TEST_F(DragTest, TheBellRingsOnceForEachChildEntered) {
     move(half_of(child(), false));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "\a\a");
     QTest::mouseRelease(tree_->viewport(), Qt::LeftButton, Qt::NoModifier, {1, 10000});
+}
+
+TEST_F(DragTest, FilesDroppedOnAnItemMoveIntoItsDirectoryOrWithCtrlAreCopied) {
+    auto list = std::make_shared<FileTransfer>();
+    list->directory = sandbox_.path();
+    const struct {
+        const char* name;
+        QTreeWidgetItem* target;
+        Qt::KeyboardModifiers held;
+        const char* arrives;
+        bool stays;
+    } rows[] = {{"f", entry(1), Qt::NoModifier, "b/f", false},
+                {"g", child(), Qt::ControlModifier, "a/below/g", true},
+                {"h", add("gone"), Qt::NoModifier, "", true}};
+    ASSERT_TRUE(wait_for([&] { return image_of(entry(3)) == TreeImage::InvalidFolder; }));
+    for (const auto& row : rows) {
+        sandbox_.write(row.name, row.name);
+        list->names = {row.name};
+        data_.reset(transfer_mime_data(list, false));
+        enter();
+        EXPECT_EQ(move(middle_of(row.target)), *row.arrives != '\0') << row.name;
+        QDropEvent event(middle_of(row.target), Qt::CopyAction | Qt::MoveAction, data_.get(),
+                         Qt::LeftButton, row.held);
+        QApplication::sendEvent(tree_->viewport(), &event);
+        EXPECT_TRUE(wait_for([&] {
+            const bool arrived = *row.arrives == '\0' || sandbox_.read(row.arrives) == row.name;
+            return n_slots == 0 && arrived && sandbox_.read(row.name).empty() != row.stays;
+        })) << row.name;
+    }
 }
 
 TEST_F(DragTest, OtherDragsAreNotTaken) {
