@@ -6,7 +6,9 @@
 #include "dialogs/new_item.h"
 #include "dialogs/open_with.h"
 #include "dialogs/pattern.h"
+#include "dialogs/preferences.h"
 #include "dialogs/properties.h"
+#include "dialogs/symlink.h"
 #include "hotlist/hotlist_tree.h"
 #include "menus/accelerators.h"
 #include "menus/commands.h"
@@ -51,11 +53,13 @@ constexpr auto kOwnCommands = std::to_array<OwnCommand>({
     {"em_delete", em_delete},
     {"fm_inspect", fm_inspect},
     {"em_rename", em_rename},
+    {"fm_symlink", fm_symlink},
     {"em_select_all", em_select_all},
     {"em_unselect_all", em_unselect_all},
     {"em_select_pattern", em_select_pattern},
     {"em_unselect_pattern", em_unselect_pattern},
     {"em_invert", em_invert_selection},
+    {"em_preferences", em_edit_preferences},
     {"em_associations", em_edit_associations},
     {"gm_back", gm_back},
     {"gm_forward", gm_forward},

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QFontDatabase>
+#include <QFontInfo>
 
 namespace dorn {
 
@@ -70,12 +71,22 @@ QFont ui_font(const char* name) {
     if (family == u"TextFont") {
         font.setPointSizeF(desktop.pointSizeF() * points / kUsualPoints);
     } else {
-        font.setFamily(family);
+        font.setFamily(family.trimmed());
         font.setPointSize(points);
     }
     font.setBold(bold);
     font.setItalic(italic);
     return font;
+}
+
+std::string ui_font_name(const QFont& font) {
+    const int points = font.pointSize() > 0 ? font.pointSize() : QFontInfo(font).pointSize();
+    QString name = font.family();
+    if (!name.isEmpty() && name.back().isDigit()) name += u' ';  // not a digit of the size
+    name += QStringLiteral("%1").arg(points, 2, 10, QChar(u'0'));
+    if (font.bold()) name += u'b';
+    if (font.italic()) name += u'i';
+    return name.toStdString();
 }
 
 }  // namespace dorn

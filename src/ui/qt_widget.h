@@ -8,6 +8,8 @@
 #include <QString>
 #include <QWidget>
 
+#include <string>
+
 namespace dorn {
 
 inline Widget* handle(QWidget* widget) {
@@ -35,6 +37,8 @@ void ui_register_instances(QWidget* root);
 /// smaller than the desktop's text, whatever size that has. A name that is none gives the desktop's
 /// own font.
 QFont ui_font(const char* name);
+/// The name by which ui_font gives that font: its family, size, weight (bold or not) and slant.
+std::string ui_font_name(const QFont& font);
 
 /// Makes our own pictures the fallback icon theme ("dorn"), so that a themed icon is found where
 /// the desktop has none. To be called before the application object exists.

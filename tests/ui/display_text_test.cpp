@@ -44,6 +44,8 @@ TEST(Fonts, NamesOfTheRecordBecomeFonts) {
     // The desktop's own font, relative to the usual 9 points.
     EXPECT_NEAR(ui_font("TextFont08").pointSizeF(), desktop.pointSizeF() * 8 / 9, 0.01);
     EXPECT_EQ(ui_font("TextFont09").family(), desktop.family());
+    for (const char* name : {"DejaVu Sans10", "Mono 2 08bi", "Serif120i", "Bob09b"})
+        EXPECT_EQ(ui_font_name(ui_font(name)), name);
 }
 
 TEST(ComboHistory, IsRefilledOnlyWhenItChangedAndLeavesTheField) {
