@@ -5,7 +5,6 @@
 #include "support_gui/window_test.h"
 #include "ui/qt_widget.h"
 
-#include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>

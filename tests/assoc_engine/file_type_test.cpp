@@ -4,9 +4,7 @@
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -9,8 +9,6 @@
 #include "support_gui/window_test.h"
 #include "ui/dialogs.h"
 
-#include <QApplication>
-#include <QScrollBar>
 #include <QTest>
 #include <QTimer>
 

@@ -14,7 +14,6 @@
 #include "ui/qt_widget.h"
 
 #include <QApplication>
-#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QDialog>
 #include <QMenu>

@@ -188,7 +188,6 @@ TEST_F(Adaptors, DirectoriesAndMissingFilesAreRefused) {
 TEST_F(Adaptors, TheEditorIsTheDesktopsForPlainText) {
     const std::string a = shown_ + "/a b", c = shown_ + "/c";
     const std::pair<std::string, Calls> cases[] = {
-        {"Exec=gedit %U", {{"gedit", a, c}}},
         {"Exec=gedit", {{"gedit", a, c}}},
         {"Exec=gedit --title=%c -i %i %F --last", {{"gedit", "--title=", "-i", a, c, "--last"}}},
         {"Exec = env \"A=it's\" 'b c' gedit 100%% \"\" --file=%f",
@@ -197,7 +196,6 @@ TEST_F(Adaptors, TheEditorIsTheDesktopsForPlainText) {
          {{"gedit", "a $b \\ \"", "x", "y", a, c}}},
         {"Exec=gedit $(touch owned) `touch owned`; 'touch owned' & %F",
          {{"gedit", "$(touch", "owned)", "`touch", "owned`;", "touch owned", "&", a, c}}},
-        {"Exec=micro -x %F\nTerminal=true", {{"micro", "-x", a, c}}},
         {"Exec=micro %f\nTerminal=true", {{"micro", a}, {"micro", c}}},
         {"Exec=missing %F", {{"vi", a, c}}},
         {"Exec=failing %F", {{"failing", a, c}, {"vi", a, c}}},
@@ -244,12 +242,10 @@ TEST_F(Adaptors, EditorPagerAndBrowserAreTheUsersElseTheFirstThatIsThere) {
         {{"one", "two", "vi"}, {{"VISUAL", "one"}, {"EDITOR", "two"}}, edit, {"one", file}},
         {{"two", "vi"}, {{"VISUAL", "one"}, {"EDITOR", "two -w"}}, edit, {"two", "-w", file}},
         {{"sensible-editor", "editor", "vi"}, {}, edit, {"sensible-editor", file}},
-        {{"nano"}, {}, edit, {"nano", file}},
         {{"less"}, {}, edit, {}},
         {{"xdg-mime", "gedit", "one"}, {{"PAGER", "one"}}, read, {"one", file}},
         {{"less", "more"}, {{"PAGER", "one"}}, read, {"less", file}},
         {{"vi"}, {}, read, {}},
-        {{"one", "xdg-open"}, {{"BROWSER", "one"}}, browse, {"one", url}},
         {{"two", "xdg-open"},
          {{"BROWSER", "one:two -n %s --x"}},
          browse,
@@ -258,7 +254,6 @@ TEST_F(Adaptors, EditorPagerAndBrowserAreTheUsersElseTheFirstThatIsThere) {
         {{"lynx", "xdg-open"}, {{"BROWSER", "lynx -x"}}, browse, {"lynx", "-x", url}},
         {{"xdg-open", "sensible-browser"}, {{"BROWSER", "one"}}, browse, {"xdg-open", url}},
         {{"gio"}, {}, browse, {"gio", "open", url}},
-        {{"w3m"}, {{"BROWSER", "*"}}, browse, {"w3m", url}},
         {{"eog"}, {}, browse, {}},
     };
     for (const Case& one : cases) {
