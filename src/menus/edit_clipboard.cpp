@@ -18,9 +18,7 @@ namespace dorn {
 
 namespace {
 
-constexpr uint32_t kAskForOne = 0x0004;      // bits of Config::flags
-constexpr uint32_t kAskForSeveral = 0x0100;  // and for one directory
-constexpr int kDelete = 1;                   // button
+constexpr int kDelete = 1;  // button
 
 int32_t must_be_moved = 0;   // set by Cut for the copy that it makes
 std::string sPasteWaitsFor;  // the directory of a Paste that came before the clipboard was read
@@ -41,9 +39,9 @@ void report_left_out(const TransferLists& lists) {
 }
 
 bool needs_question(const FileTransfer& record) {
-    const bool several = (gConfig->flags & kAskForSeveral) != 0;
+    const bool several = (gConfig->flags & kDeleteManyPrompt) != 0;
     if (record.names.size() > 1) return several;
-    return (gConfig->flags & kAskForOne) != 0 || (one_dir_packed && several);
+    return (gConfig->flags & kDeleteOnePrompt) != 0 || (one_dir_packed && several);
 }
 
 bool user_agrees(const FileTransfer& record) {
