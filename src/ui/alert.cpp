@@ -128,6 +128,15 @@ void wait_before_answers(QMessageBox* box, const QList<QPushButton*>& buttons) {
     });
 }
 
+// The operations window may have come up a moment ago, before the window manager told where it put
+// it; the main window's place is known.
+void place_question(QMessageBox* box) {
+    Widget* base = w_instance("base");
+    if (!ui_gate_is_held_by_other() || base == nullptr || !qt(base)->isVisible()) return;
+    box->adjustSize();
+    wcenter(base, handle(box));
+}
+
 }  // namespace
 
 int ui_alert(Widget* parent, const char* title, const char* message, const char* buttons) {
@@ -142,6 +151,7 @@ int ui_alert(Widget* parent, const char* title, const char* message, const char*
     const qsizetype escape = added.indexOf(escape_button);
     wait_before_answers(box, added);
     box->defaultButton()->setFocus();
+    place_question(box);
     QApplication::alert(box);
     box->exec();
     qsizetype index = -1;
