@@ -9,6 +9,8 @@
 
 #include <QFontDialog>
 #include <QPointer>
+#include <QScreen>
+#include <QStyle>
 
 #include <algorithm>
 #include <cerrno>
@@ -100,6 +102,17 @@ void config_apply() {
     fl_refresh();
 }
 
+// Over the button, as far as the screen has room there.
+QPoint position_for(const QDialog* fonts, const QWidget* button) {
+    const QRect screen = button->screen()->availableGeometry();
+    const int title_bar = fonts->style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    const QSize size = fonts->sizeHint() + QSize(0, 2 * title_bar);
+    const QPoint last = screen.bottomRight() - QPoint(size.width(), size.height());
+    const QPoint at = button->mapToGlobal(QPoint(0, 0));
+    return {qMax(screen.left(), qMin(at.x(), last.x())),
+            qMax(screen.top(), qMin(at.y(), last.y()))};
+}
+
 // Lets the user choose a font, starting from the one chosen so far.
 void choose_font(FontChoice* choice, const QWidget* button, const char* title) {
     const QFont before = ui_font(choice->name.c_str());
@@ -107,12 +120,12 @@ void choose_font(FontChoice* choice, const QWidget* button, const char* title) {
     fonts->setObjectName(QStringLiteral("font_dlg"));
     fonts->setWindowTitle(QString::fromUtf8(title));
     fonts->setOption(QFontDialog::DontUseNativeDialog);
-    fonts->move(button->mapToGlobal(QPoint(0, 0)));
+    fonts->move(position_for(fonts, button));
     const bool chosen = fonts->exec() == QDialog::Accepted;
     if (!fonts) return;  // closed with the dialog under it
     const QFont font = fonts->selectedFont();
     delete fonts;
-    if (chosen && font != before) choice->set(ui_font_name(font));
+    if (chosen && ui_font_name(font) != ui_font_name(before)) choice->set(ui_font_name(font));
 }
 
 void config_list_font() {

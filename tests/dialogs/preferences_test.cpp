@@ -144,6 +144,8 @@ TEST_F(PreferencesTest, AChosenFontTakesEffectWithDone) {
     em_edit_preferences();
     choose_font("clist_select", font, false);
     EXPECT_EQ(text_of("clist_font"), "TextFont08");
+    choose_font("clist_select", ui_font("TextFont08"), true);
+    EXPECT_EQ(text_of("clist_font"), "TextFont08") << "the same font keeps its name";
     choose_font("clist_select", font, true);
     EXPECT_EQ(text_of("clist_font"), name);
     EXPECT_EQ(qt(w_instance("filelist"))->font(), before);
