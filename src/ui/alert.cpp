@@ -128,20 +128,20 @@ void wait_before_answers(QMessageBox* box, const QList<QPushButton*>& buttons) {
     });
 }
 
-// The operations window may have come up a moment ago, before the window manager told where it put
-// it; the main window's place is known.
-void place_question(QMessageBox* box) {
+// Over which window an alert stands. A question of an operation stands over the main window while
+// that is there: the operations window may have come up a moment ago, before the window manager
+// told where it put it, and the keyboard is to go back to the list afterwards.
+QWidget* owner_of_alert(Widget* parent) {
     Widget* base = w_instance("base");
-    if (!ui_gate_is_held_by_other() || base == nullptr || !qt(base)->isVisible()) return;
-    box->adjustSize();
-    wcenter(base, handle(box));
+    const bool over_base = ui_gate_is_held_by_other() && base != nullptr && qt(base)->isVisible();
+    return qt(over_base ? base : parent);
 }
 
 }  // namespace
 
 int ui_alert(Widget* parent, const char* title, const char* message, const char* buttons) {
     // On the heap: it goes with its parent, and is then answered by its escape button.
-    const QPointer<QMessageBox> box = new QMessageBox(qt(parent));
+    const QPointer<QMessageBox> box = new QMessageBox(owner_of_alert(parent));
     box->setObjectName(QStringLiteral("alert"));
     box->setWindowTitle(ui_text(title));
     box->setIcon(QMessageBox::NoIcon);
@@ -151,7 +151,6 @@ int ui_alert(Widget* parent, const char* title, const char* message, const char*
     const qsizetype escape = added.indexOf(escape_button);
     wait_before_answers(box, added);
     box->defaultButton()->setFocus();
-    place_question(box);
     QApplication::alert(box);
     box->exec();
     qsizetype index = -1;
