@@ -3,6 +3,7 @@
 #include "ui/qt_widget.h"
 
 #include <QActionEvent>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
 #include <QScreen>
@@ -322,23 +323,32 @@ void LongMenu::keyPressEvent(QKeyEvent* event) {
         submenu->opened_by_key_ = true;
 }
 
-void LongMenu::mouseDoubleClickEvent(QMouseEvent* event) {
-    double_click_ = true;
-    QMenu::mouseDoubleClickEvent(event);
+QAction* LongMenu::action_under(const QMouseEvent& event) const {
+    const QPoint at = event.position().toPoint();
+    return rect().contains(at) ? actionAt(at) : nullptr;
+}
+
+// While a menu is open the toolkit tells of no double clicks, so they are recognised here. The
+// second press of one that it does tell of comes here, too.
+void LongMenu::mousePressEvent(QMouseEvent* event) {
+    const std::optional<std::size_t> entry = entry_of(action_under(*event));
+    double_click_ = entry && entry == pressed_ && event->button() == Qt::LeftButton &&
+                    pressed_since_.elapsed() <= QApplication::doubleClickInterval();
+    pressed_ = double_click_ ? std::nullopt : entry;
+    pressed_since_.start();
+    QMenu::mousePressEvent(event);
 }
 
 void LongMenu::mouseReleaseEvent(QMouseEvent* event) {
     const bool twice = std::exchange(double_click_, false);
-    QAction* action = rect().contains(event->position().toPoint())
-                          ? actionAt(event->position().toPoint())
-                          : nullptr;
+    const QAction* action = action_under(*event);
     const std::optional<std::size_t> entry = entry_of(action);
     if (action != nullptr && (action == above_ || action == below_)) {
         const auto page = static_cast<long long>(shown());
         scroll(action == above_ ? -page : page);
         return;
     }
-    if (twice && entry && event->button() == Qt::LeftButton)
+    if (twice && entry)
         activate(*entry);
     else
         QMenu::mouseReleaseEvent(event);

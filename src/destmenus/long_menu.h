@@ -67,7 +67,7 @@ class LongMenu : public QMenu {
     void actionEvent(QActionEvent* event) override;
     void initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const override;
     void keyPressEvent(QKeyEvent* event) override;
-    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
@@ -82,6 +82,7 @@ class LongMenu : public QMenu {
     std::optional<std::size_t> entry_of(const QAction* action) const;
     void armed(QAction* action);
     void make_active(QAction* action);
+    QAction* action_under(const QMouseEvent& event) const;
     QList<QAction*> fixed_actions() const;
     void go_to_place(const QList<QAction*>& fixed, qsizetype place);
     bool move_by_key(int key);
@@ -95,6 +96,8 @@ class LongMenu : public QMenu {
     bool quiet_ = false;   // changes of actions don't make a new layout
     bool by_key_ = false;  // an action becomes active without its submenu
     bool opened_by_key_ = false;
+    std::optional<std::size_t> pressed_;  // the entry of the last press that was no double click
+    QElapsedTimer pressed_since_;
     bool double_click_ = false;
     int wheel_ = 0;  // what has been turned of a row
     QBasicTimer scroll_timer_;
