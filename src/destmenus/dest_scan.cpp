@@ -49,6 +49,7 @@ Names sorted(const Names& names) {
     order.reserve(names.size());
     for (const std::string& name : names)
         order.push_back(name.c_str());
+    if (order.empty()) return {};  // qsort takes no null pointer
     std::qsort(order.data(), order.size(), sizeof(const char*), compare_names);
     return {order.begin(), order.end()};
 }
