@@ -8,6 +8,8 @@
 #include <QElapsedTimer>
 #include <QPointer>
 
+#include <algorithm>
+
 namespace dorn {
 
 namespace {
@@ -83,7 +85,9 @@ void prop_apply(QDialog* dialog, const std::shared_ptr<PropertyWork>& work,
         const PropertyError error = late ? work->step.load() : work->error;
         go_on = end == RunEnd::Ended;
         if (end == RunEnd::Closed || error == PropertyError::None) continue;
-        const std::size_t failed = late ? work->done.load() : work->done - 1;
+        // A late one may have come to its end since.
+        const std::size_t failed =
+            late ? std::min(work->done.load(), work->targets.size() - 1) : work->done - 1;
         const bool may_end = go_on && !work->at_end() && ++errors > 1;
         if (!tell(open, error_text(error, *work, work->targets[failed], typed_name), may_end))
             go_on = false;
