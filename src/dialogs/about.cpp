@@ -22,7 +22,7 @@ int help_about() {
     layout.setupUi(sDialog);
     layout.about_picture->setPixmap(
         ui_icon("dorn").pixmap(QSize(kPictureSize, kPictureSize), sDialog->devicePixelRatioF()));
-    wprintf(handle(layout.about_version), "%s", "- Version 1.13");
+    wprintf(handle(layout.about_version), "- Version %s", DORN_VERSION);
     QObject::connect(layout.about_done, &QPushButton::clicked, sDialog, &QDialog::accept);
     dialog_show(sDialog, layout.about_done);
     return 0;

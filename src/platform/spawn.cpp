@@ -18,7 +18,8 @@ namespace dorn {
 namespace {
 
 constexpr std::string_view kOrrinFolder = "/usr/orrin/bin/";
-constexpr const char* kBuildTreeAdaptors = "../orrin";
+// Seen from the program's folder: in an installation, in a build tree.
+constexpr const char* kAdaptorFolders[] = {".", "../orrin"};
 constexpr const char* kRunning = "/proc/self/exe";
 constexpr int kFirstOwnDescriptor = 3;
 
@@ -122,7 +123,7 @@ std::string orrin_program(const std::string& program) {
 void orrin_append_adaptors_to_path() {
     const std::string running = running_executable();
     const std::string folder = running.substr(0, running.rfind('/') + 1);
-    for (const char* adaptors : {DORN_ADAPTORS, kBuildTreeAdaptors}) {
+    for (const char* adaptors : kAdaptorFolders) {
         std::array<char, PATH_MAX> path;
         if (realpath((folder + adaptors).c_str(), path.data()) == nullptr) continue;
         if (!is_executable_file(std::string(path.data()) + "/orterm")) continue;

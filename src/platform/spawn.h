@@ -21,9 +21,8 @@ std::string orrin_program(const std::string& program);
 std::string find_program(const std::string& name, const std::string& folders);
 
 /// Appends the folder of the adaptor programs to PATH, so that a real command of such a name wins.
-/// The folder is the installation's libexec folder beside the running executable's, or orrin/ there
-/// when that is a build tree's. Without one, or with it there already, PATH stays. Called once at
-/// start-up.
+/// The folder is the running executable's own in an installation, orrin/ beside it in a build tree.
+/// Without one, or with it there already, PATH stays. Called once at start-up.
 void orrin_append_adaptors_to_path();
 
 /// The adaptor program `name` of the folder that was found at start-up, also where PATH has another
