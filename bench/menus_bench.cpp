@@ -4,6 +4,7 @@
 #include "app/run.h"
 #include "destmenus/dest_item.h"
 #include "dirmodel/dir_entry.h"
+#include "filelist/filelist.h"
 #include "filelist/navigation.h"
 #include "filelist/selection.h"
 #include "measure.h"
