@@ -3,6 +3,7 @@
 #include "platform/whole_file.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
@@ -88,7 +89,8 @@ int init_save_config(Config* config, const char* dir, const char* name) {
     record.flags |= kFormatMark;
     const std::string_view bytes(reinterpret_cast<const char*>(&record), sizeof record);
     if (write_whole_file(join_path(dir, name), bytes) != 0) return -1;
-    config->flags = record.flags;
+    std::atomic_ref flags(config->flags);  // workers read it
+    flags.store(record.flags, std::memory_order_relaxed);
     return 0;
 }
 

@@ -13,6 +13,7 @@
 #include <QStyle>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
@@ -90,7 +91,8 @@ void apply_font(const FontChoice& choice, std::span<char> field, const char* pan
 void config_apply() {
     constexpr int32_t kFoldersFirst = 2;
     gConfig->dirs_first = sLayout.cdirs->isChecked() ? kFoldersFirst : 0;
-    gConfig->flags = preference_bits_read(sLayout, gConfig->flags);
+    const uint32_t flags = preference_bits_read(sLayout, gConfig->flags);
+    std::atomic_ref(gConfig->flags).store(flags, std::memory_order_relaxed);  // workers read it
     const bool hide = (gConfig->flags & kHideDotFiles) != 0;
     gOptions = hide ? gOptions & ~kOptionDotEntries : gOptions | kOptionDotEntries;
     gConfig->keyfind_timeout = number_of(sLayout.cto->text());
