@@ -33,7 +33,8 @@ int fop_start_cmd(int32_t kind, const char* directory, const std::vector<std::st
     slot_set_op(display->panel, op);
     if (op != nullptr) return 0;
     wprintf(display->from_widget, "%s", std::strerror(error));
-    std::fprintf(stderr, "failed to start operation!\n%s\n", std::strerror(error));
+    errno = error;
+    std::perror("failed to start operation!\n");
     return -1;
 }
 
