@@ -1,6 +1,7 @@
 #include "fileops/engine/progress.h"
 
 #include "dirmodel/name_translation.h"
+#include "fileops/engine/worker.h"
 #include "ui/dialogs.h"
 
 #include <algorithm>
@@ -48,11 +49,6 @@ void store(std::string& text, const char* given) {
     if (given != nullptr) text = given;
 }
 
-// The whole path, as a line is to tell it when pointed at.
-std::string tip(const std::string& path) {
-    return fname_decode(path.c_str(), nullptr);
-}
-
 // One of the two lines: the label, and the path as it fits.
 std::string line(const std::string& label, std::string path) {
     path.resize(std::strlen(shrink_name(path.data(), kShownPath)));
@@ -74,8 +70,8 @@ void fop_redraw(FileOp* op) {
         [title = display.title_text, from = display.from_widget, to = display.to_widget,
          count = display.count_text, bar = display.progress_bar, time = display.time_text,
          title_text = display.title, from_text = line(display.from_label, display.from_text),
-         to_text = line(display.to_label, display.to_text), from_tip = tip(display.from_text),
-         to_tip = tip(display.to_text), count_shown = count_text(op), percent = display.percent,
+         to_text = line(display.to_label, display.to_text), from_tip = shown(display.from_text),
+         to_tip = shown(display.to_text), count_shown = count_text(op), percent = display.percent,
          time_shown = time_left_text(display.time_left)] {
             wprintf(title, "%s", title_text.c_str());
             wprintf(from, "%s", from_text.c_str());

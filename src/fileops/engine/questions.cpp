@@ -25,7 +25,16 @@ std::string filled(std::string_view text, std::initializer_list<std::string_view
 }
 
 std::string shown(const std::string& path) {
-    return fname_decode(path.c_str(), nullptr);
+    // One component at a time: decoding has room for a name, not for the longest path.
+    std::string text;
+    std::size_t begin = 0;
+    for (;;) {
+        const std::size_t end = path.find('/', begin);
+        text += fname_decode(path.substr(begin, end - begin).c_str(), nullptr);
+        if (end == std::string::npos) return text;
+        text += '/';
+        begin = end + 1;
+    }
 }
 
 int ask_skip(Worker& w, const char* title, std::string_view text, const std::string& path,

@@ -109,7 +109,7 @@ int32_t percent_of(uint64_t done, uint64_t total);
 /// `text` with each "%s" in turn replaced by one of `values`.
 std::string filled(std::string_view text, std::initializer_list<std::string_view> values);
 
-/// The bytes of a path as they are shown.
+/// A path as it is shown, in full.
 std::string shown(const std::string& path);
 
 /// Asks "&Continue|&Abort" in the text that the path and the error's text fill. kEntrySkipped or
