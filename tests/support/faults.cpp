@@ -40,7 +40,8 @@ std::string subject(int fd) {
 
 template <typename Subject>
 bool is_for(const Fault& fault, const char* call, Subject what) {
-    if (fault.call != "*" && fault.call != call) return false;
+    const bool is_other = fault.call[0] == '!' && fault.call.substr(1) != call;
+    if (fault.call != "*" && fault.call != call && !is_other) return false;
     return fault.name.empty() || fault.name == subject(what);
 }
 

@@ -23,7 +23,7 @@ inline constexpr int kHang = -2;   // does not return while the Faults live
 inline constexpr int kDie = -3;    // the process ends before the call, as by kill -9
 
 struct Fault {
-    std::string call;       // "write"; "*" counts every wrapped call
+    std::string call;       // "write"; "*" counts every wrapped call, "!write" all but that
     int nth;                // the first is 1; 0 stands for each
     int error;              // an errno value, one of the above, or 0 for a call that succeeds
     std::string name = {};  // base name of the file that the call is for; empty: any

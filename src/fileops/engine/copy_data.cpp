@@ -127,9 +127,12 @@ Outcome write_block(DataCopy& d, std::size_t size) {
     while (size > 0) {
         if (fop_pause_trap(d.c.w.op) != 0) return Outcome::kStopped;
         const ssize_t written = write(d.out, from, size);
-        if (written >= 0) {
+        if (written > 0) {
             from += written;
             size -= static_cast<std::size_t>(written);
+        } else if (written == 0) {
+            d.error = EIO;  // it would be so for ever
+            return Outcome::kWriteFailed;
         } else if (errno == ENOSPC) {
             if (!asks_to_retry(d, &outcome)) return outcome;
         } else if (errno != EINTR) {
@@ -148,6 +151,7 @@ Outcome copy_content(DataCopy& d) {
         if (d.is_sparse && d.copied >= d.data_end && !next_data(d))
             return d.error == 0 ? Outcome::kCopied : Outcome::kWriteFailed;
         const uint64_t size = d.is_sparse ? std::min(most, d.data_end - d.copied) : most;
+        if (size == 0) continue;  // what was data has become a hole since
         const ssize_t got = read(d.in, op->buffer, size);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) {
@@ -162,19 +166,23 @@ Outcome copy_content(DataCopy& d) {
     }
 }
 
+/// Removes the copy's file, unless its name has come to mean another.
+void unlink_copy(const EntryCopy& c, const struct stat& own) {
+    struct stat there;
+    if (fstatat(c.to, c.to_name, &there, AT_SYMLINK_NOFOLLOW) == 0 && is_same_file(own, there))
+        unlinkat(c.to, c.to_name, 0);
+}
+
 /// Removes the copy that was begun. What a link led to is emptied, for its name is not known.
 void remove_partial(const EntryCopy& c, Fd out) {
-    struct stat own;
-    struct stat there;
-    const bool is_known = fstat(out.get(), &own) == 0;
     if (!c.made && S_ISLNK(c.target_self.st_mode)) {
         static_cast<void>(ftruncate(out.get(), 0));
         return;
     }
+    struct stat own;
+    const bool is_known = fstat(out.get(), &own) == 0;
     out.close();
-    if (is_known && fstatat(c.to, c.to_name, &there, AT_SYMLINK_NOFOLLOW) == 0 &&
-        is_same_file(own, there))
-        unlinkat(c.to, c.to_name, 0);
+    if (is_known) unlink_copy(c, own);
 }
 
 int copy_opened(const EntryCopy& c, Fd in, Fd out) {
@@ -191,10 +199,13 @@ int copy_opened(const EntryCopy& c, Fd in, Fd out) {
         return ask_about(c, kUnwritable, copy_path(c), d.error);
     }
     const int result = finish_open(c, out.get());
+    struct stat own;
+    const bool is_known = fstat(out.get(), &own) == 0;
     if (out.close() == 0) return result;
-    // A disk may tell only here that it has not taken the data.
+    // A disk may tell only here that it has not taken the data. Of a link's target the name isn't
+    // known.
     const int error = errno;
-    if (c.made || !S_ISLNK(c.target_self.st_mode)) unlinkat(c.to, c.to_name, 0);
+    if (is_known) unlink_copy(c, own);
     return ask_about(c, kUnwritable, copy_path(c), error);
 }
 
