@@ -56,6 +56,35 @@ TEST_P(OddTreesTest, ModesTimesAndOwnersComeWithTheCopies) {
         EXPECT_EQ(attributes(to(name)), text) << name;
 }
 
+TEST_P(OddTreesTest, NoDirectoryIsLeftOpenThatGetsNoContent) {
+    const Fault cancel = {"write", 1, 0, "big", [] { running_operation()->cancelled = 1; }};
+    const Fault unlisted = {"openat", 1, EACCES, "locked"};
+    const struct {
+        const char* name;
+        const Fault& fault;
+        mode_t there;  // mode of what has the copy's name; 0: nothing
+        mode_t after;
+    } rows[] = {{"dir", cancel, 0, 0700},
+                {"dir", cancel, 0711, 0711},
+                {"dir/locked", unlisted, 0, 0700},
+                {"dir/locked", unlisted, 0711, 0711}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.name) + " " + std::to_string(row.there));
+        make_trees();
+        chmod(from(row.name).c_str(), 0700);
+        if (row.there != 0) {
+            fs::create_directories(to(row.name));
+            chmod(to(row.name).c_str(), row.there);
+        }
+        std::vector<Fault> faults = kOtherFileSystem;
+        faults.push_back(row.fault);
+        run(GetParam(), faults, {"Continue", "Overwrite"});
+        struct stat status {};
+        ASSERT_EQ(stat(to(row.name).c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777, row.after);
+    }
+}
+
 TEST_P(OddTreesTest, SocketsAndDevicesStayWithoutAWord) {
     const auto make = [&](const char* name, mode_t mode, dev_t device) {
         return mknod(from(name).c_str(), mode | 0600, device) == 0;

@@ -20,14 +20,16 @@ bool is_in_made_directory(const Worker& w, int32_t group) {
     return group > 0 && (w.op->groups[own->parent]->kinds[own->parent_name] & kEntryMade) != 0;
 }
 
-/// Makes the copy's name free for `make`, and makes it. False: errno is set.
-template <typename Make>
-bool replace_target(EntryCopy& c, Make make) {
+/// Frees the copy's name for something without content. In a directory made by this operation it
+/// is free, or holds another entry's copy, where names differ in their case only.
+void free_target(const EntryCopy& c) {
     if (c.looked) unlinkat(c.to, c.to_name, 0);
-    if (make() == 0) return true;
-    if (errno != EEXIST || c.looked) return false;
-    unlinkat(c.to, c.to_name, 0);
-    return make() == 0;
+}
+
+/// Whether the link leads to the very file whose place its copy would take.
+bool leads_to_target(const EntryCopy& c) {
+    struct stat end;
+    return c.looked && fstatat(c.from, c.name, &end, 0) == 0 && is_same_file(end, c.target_self);
 }
 
 int copy_fifo(EntryCopy& c) {
@@ -35,17 +37,25 @@ int copy_fifo(EntryCopy& c) {
         return ask_about(c, "The '%s' is not a FIFO\n", copy_path(c));
     if (c.exists && is_own_target(c)) return refuse_into_itself(c.w);
     const mode_t mode = c.source.st_mode & 0777;
-    if (!replace_target(c, [&] { return mkfifoat(c.to, c.to_name, mode); }))
+    free_target(c);
+    if (mkfifoat(c.to, c.to_name, mode) != 0)
         return ask_about(c, "Unable to make '%s' FIFO\n", copy_path(c));
+    return finish_at(c, AT_SYMLINK_NOFOLLOW);
+}
+
+/// Goes on with the directory that was made for the entry.
+int take_made(const EntryCopy& c) {
+    uint8_t& kind = c.w.op->groups[c.group]->kinds[c.index];
+    kind |= kEntryMade;
+    // One that could not be listed gets no content, and no other last touch.
+    if ((kind & kEntryListed) == 0)
+        fchmodat(c.to, c.to_name, c.source.st_mode & 0777, AT_SYMLINK_NOFOLLOW);
     return finish_at(c, AT_SYMLINK_NOFOLLOW);
 }
 
 int copy_directory(EntryCopy& c) {
     if (!c.exists) {
-        if (mkdirat(c.to, c.to_name, 0777) == 0) {
-            c.w.op->groups[c.group]->kinds[c.index] |= kEntryMade;
-            return finish_at(c, AT_SYMLINK_NOFOLLOW);
-        }
+        if (mkdirat(c.to, c.to_name, 0777) == 0) return take_made(c);
         const bool appeared = errno == EEXIST && !c.looked;
         if (appeared) look_at_target(c);
         if (!appeared || !c.exists)
@@ -53,23 +63,25 @@ int copy_directory(EntryCopy& c) {
     }
     if (!S_ISDIR(c.target.st_mode))
         return ask_about(c, "The '%s' is not a directory\n", copy_path(c));
+    const int follow = S_ISLNK(c.target_self.st_mode) ? 0 : AT_SYMLINK_NOFOLLOW;
     if (Group* below = group_below(c.w.op, c.group, c.index)) {
         below->copy_device = c.target.st_dev;
         below->copy_inode = c.target.st_ino;
+        below->copy_mode = static_cast<uint16_t>(c.target.st_mode & 07777);
+        fchmodat(c.to, c.to_name, 0777, follow);  // it is about to receive content
     }
-    fchmodat(c.to, c.to_name, 0777, 0);  // it is about to receive content
-    return finish_at(c, 0);
+    return finish_at(c, follow);
 }
 
 int copy_link(EntryCopy& c) {
-    if (c.looked && is_own_target(c)) return refuse_into_itself(c.w);
+    if ((c.looked && is_own_target(c)) || leads_to_target(c)) return refuse_into_itself(c.w);
     FileOp* op = c.w.op;
     const auto room = static_cast<std::size_t>(op->buffer_size - 1);
     const ssize_t length = readlinkat(c.from, c.name, op->buffer, room);
     if (length < 0) return ask_about(c, "Unable to read link '%s'\n", source_path(c));
     op->buffer[length] = '\0';
-    if (replace_target(c, [&] { return symlinkat(op->buffer, c.to, c.to_name); }))
-        return finish_at(c, AT_SYMLINK_NOFOLLOW);
+    free_target(c);
+    if (symlinkat(op->buffer, c.to, c.to_name) == 0) return finish_at(c, AT_SYMLINK_NOFOLLOW);
     show_entry(c);
     const int button =
         fop_alert(op, kTitle, "&Continue|&Abort", "Unable to create symbolic link '%s' to\n'%s'\n",
@@ -86,7 +98,6 @@ int make_destination(EntryCopy& c) {
         return kStopAll;
     }
     op->flags &= ~kFopMakeDestination;
-    op->groups[c.group]->kinds[c.index] |= kEntryMade;
     return kEntryDone;
 }
 
@@ -134,7 +145,7 @@ int copy_entry(EntryCopy& c) {
     if ((op->flags & kFopMakeDestination) != 0) {
         if (make_destination(c) != kEntryDone) return kStopAll;
         show_progress(c, 0);
-        return finish_at(c, AT_SYMLINK_NOFOLLOW);
+        return take_made(c);
     }
     show_progress(c, 0);
     if (!is_in_made_directory(c.w, c.group)) look_at_target(c);

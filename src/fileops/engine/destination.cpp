@@ -49,11 +49,13 @@ bool is_into_itself(Worker& w, int source_dir, int copy_dir, int32_t index) {
     const char* copy_name = w.copies.name_of(0, index);
     if (fstatat(copy_dir, copy_name, &copy, kUnfollowed) != 0) return false;
     if (is_same_file(source, copy)) return true;
+    struct stat end;
+    const bool is_link = S_ISLNK(source.st_mode) && fstatat(source_dir, name, &end, 0) == 0;
+    if (is_link && is_same_file(end, copy)) return true;
     if (S_ISLNK(copy.st_mode) && fstatat(copy_dir, copy_name, &copy, 0) == 0 &&
         is_same_file(source, copy))
         return true;
-    return (w.op->flags & kFopLinksAsFiles) != 0 && S_ISLNK(source.st_mode) &&
-           fstatat(source_dir, name, &source, 0) == 0 && is_same_file(source, copy);
+    return (w.op->flags & kFopLinksAsFiles) != 0 && is_link && is_same_file(end, copy);
 }
 
 int check_into_itself(Worker& w, const Place& place) {

@@ -73,11 +73,12 @@ struct Group {
     int32_t parent_name;    // and which of its names this directory is
     dev_t device;           // the directory as the scan met it
     ino_t inode;
-    dev_t copy_device;  // the directory that takes its copies, as it was first met
-    ino_t copy_inode;   // 0: not met yet
-    uint64_t bytes;     // what the scan counted for its names
-    bool incomplete;    // its listing broke off, so nothing of it may be removed by a move
-    bool behind_link;   // a link was followed to it, so nothing of it may be removed by a move
+    dev_t copy_device;   // the directory that takes its copies, as it was first met
+    ino_t copy_inode;    // 0: not met yet
+    uint64_t bytes;      // what the scan counted for its names
+    bool incomplete;     // its listing broke off, so nothing of it may be removed by a move
+    bool behind_link;    // a link was followed to it, so nothing of it may be removed by a move
+    uint16_t copy_mode;  // of a directory that was there to take its copies, before it was opened
     int32_t count;
     char** names;
     uint8_t* kinds;    // of each name

@@ -61,6 +61,20 @@ int finish_at(const EntryCopy& c, int flags) {
     return result;
 }
 
+void close_copy_directory(Worker& w, int32_t group) {
+    const Group* own = w.op->groups[group];
+    const uint8_t kind = w.op->groups[own->parent]->kinds[own->parent_name];
+    mode_t mode = own->copy_mode;
+    if ((kind & kEntryMade) != 0) {
+        const int from = w.sources.of_group(group);
+        struct stat source;
+        if (from < 0 || fstatat(from, ".", &source, 0) != 0) return;
+        mode = source.st_mode & 0777;
+    }
+    const int to = w.copies.of_group(group);
+    if (to >= 0) fchmodat(to, ".", mode, 0);
+}
+
 int finish_directory(Worker& w, int32_t group) {
     EntryCopy c{.w = w,
                 .group = group,

@@ -96,6 +96,7 @@ int transfer_group(Worker& w, int32_t group, int32_t* at) {
     const int opened = open_group(w, group);
     if (opened == kStopAll) return -1;
     if (opened == kEntrySkipped) {
+        if (group > 0) close_copy_directory(w, group);
         pass_over(w, group);
         keep_parents(w, group);
         return 0;
@@ -104,8 +105,18 @@ int transfer_group(Worker& w, int32_t group, int32_t* at) {
     const int finished = group == 0   ? kEntryDone
                          : is_through ? fop_copy_file(w, group, kFinishDirectory)
                                       : kStopAll;
+    if (finished == kEntrySkipped) close_copy_directory(w, group);
     if (finished != kEntryDone) keep_parents(w, group);
     return is_through && finished != kStopAll ? 0 : -1;
+}
+
+/// Closes what was opened for content that does not come, since the copying stopped at that entry.
+void close_copy_directories(Worker& w, int32_t stopped, int32_t at) {
+    for (int32_t group = std::max(stopped, 1); group < w.op->group_count; ++group) {
+        const Group* own = w.op->groups[group];
+        if (own->parent > stopped || (own->parent == stopped && own->parent_name >= at)) return;
+        if (!is_skipped(w.op, group)) close_copy_directory(w, group);
+    }
 }
 
 /// Copies everything; what was not reached is passed over.
@@ -117,6 +128,7 @@ void transfer(Worker& w) {
     int32_t group = 0;
     while (group < op->group_count && transfer_group(w, group, &at) == 0)
         ++group;
+    close_copy_directories(w, group, at);
     for (; group < op->group_count; ++group, at = 0)
         empty_group(w, group, at);
 }

@@ -58,6 +58,10 @@ int fop_build_filelist(Worker& w);
 int fop_copy_file(Worker& w, int32_t group, int32_t index);
 inline constexpr int32_t kFinishDirectory = -1;
 
+/// Closes the directory that takes the group's copies again, as it was or as its source is, when it
+/// is not going to be finished.
+void close_copy_directory(Worker& w, int32_t group);
+
 int fop_delete_files(Worker& w, bool with_progress);
 int fop_delete_file(Worker& w, int32_t group, int32_t index);
 
