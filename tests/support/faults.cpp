@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <map>
 #include <mutex>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -40,7 +41,8 @@ std::string subject(int fd) {
 
 template <typename Subject>
 bool is_for(const Fault& fault, const char* call, Subject what) {
-    const bool is_other = fault.call[0] == '!' && fault.call.substr(1) != call;
+    const std::string_view asked = fault.call;
+    const bool is_other = asked.starts_with('!') && asked.substr(1) != call;
     if (fault.call != "*" && fault.call != call && !is_other) return false;
     return fault.name.empty() || fault.name == subject(what);
 }
