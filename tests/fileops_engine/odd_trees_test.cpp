@@ -166,6 +166,13 @@ TEST_P(OddTreesTest, LongNamesAndDeepTreesAreDoneLikeOthers) {
         EXPECT_EQ(descend(sandbox_.file("from"), row.name, row.depth, false),
                   GetParam() == kFopMove ? 0 : row.depth);
         EXPECT_EQ(descend(sandbox_.file("to"), row.name, row.depth, false), row.depth);
+        EXPECT_TRUE(headless::alerts().empty());
+        if (GetParam() == kFopCopy) {
+            EXPECT_GE(run_operation(asked), 0);
+            ASSERT_EQ(headless::alerts().size(), 1U);
+            EXPECT_NE(headless::alerts()[0].message.find("/leaf' file exists"), std::string::npos);
+        }
+        headless::reset();
         asked.kind = kFopDelete;
         asked.directory = sandbox_.file("to");
         EXPECT_GE(run_operation(asked), 0);
