@@ -33,7 +33,7 @@ std::vector<Entry> sGone;                 // taken off since the others were tol
 Clock::time_point sTold;                  // when they were
 std::atomic<bool> sAnyCut = false;        // whether there are _cut_files
 
-std::shared_ptr<ListedFiles> cut_files() {
+std::shared_ptr<const ListedFiles> cut_files() {
     if (!sAnyCut) return nullptr;
     const std::lock_guard lock(sMutex);
     return _cut_files;
@@ -54,13 +54,10 @@ void forget_gone() {
     sGone.clear();
 }
 
-// Whether it is time to tell the others.
-bool remember_gone(const std::shared_ptr<ListedFiles>& cut, Entry entry) {
+// Whether the others have not been told for a while, or nothing is left.
+bool is_time_to_tell() {
     const Clock::time_point at = Clock::now();
-    const std::lock_guard lock(sMutex);
-    if (_cut_files != cut) return false;  // another list is there meanwhile
-    sGone.push_back(std::move(entry));
-    if (cut->left() > 0 && at - sTold < kTellInterval) return false;
+    if (_cut_files->left() > 0 && at - sTold < kTellInterval) return false;
     sTold = at;
     return true;
 }
@@ -144,19 +141,26 @@ void file_get_cut_files() {
 }
 
 bool file_any_cut() {
-    const std::shared_ptr<ListedFiles> cut = cut_files();
+    const std::shared_ptr<const ListedFiles> cut = cut_files();
     return cut != nullptr && cut->left() > 0;
 }
 
 bool file_is_cut(const char* directory, const char* name) {
-    const std::shared_ptr<ListedFiles> cut = cut_files();
+    const std::shared_ptr<const ListedFiles> cut = cut_files();
     return cut != nullptr && cut->has(directory, name);
 }
 
 int file_uncut(const char* directory, const char* name) {
-    const std::shared_ptr<ListedFiles> cut = cut_files();
-    if (cut == nullptr || !cut->take_off(directory, name)) return 0;
-    if (remember_gone(cut, {directory, name})) ui_handed(tell_others);
+    if (!sAnyCut) return 0;
+    bool tell = false;
+    {
+        const std::lock_guard lock(
+            sMutex);  // until it is noted: the list may be replaced meanwhile
+        if (_cut_files == nullptr || !_cut_files->take_off(directory, name)) return 0;
+        sGone.push_back({directory, name});
+        tell = is_time_to_tell();
+    }
+    if (tell) ui_handed(tell_others);
     return 1;
 }
 
