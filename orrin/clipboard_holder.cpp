@@ -25,7 +25,7 @@ constexpr const char* kUsage =
     "brings, until another program takes it. For dorn's own use.\n";
 
 constexpr std::size_t kPiece = std::size_t{64} << 10;  // bytes; more is sent piece by piece
-constexpr unsigned kLastPieces = 10;                    // seconds to fetch them in
+constexpr unsigned kLastPieces = 10;                   // seconds to fetch them in
 
 struct Item {
     xcb_atom_t type;
@@ -148,6 +148,7 @@ class Holder {
                           &events);
         targets_ = atom("TARGETS");
         timestamp_ = atom("TIMESTAMP");
+        multiple_ = atom("MULTIPLE");
         incremental_ = atom("INCR");
     }
 
@@ -195,31 +196,54 @@ class Holder {
         notice.requestor = request.requestor;
         notice.selection = request.selection;
         notice.target = request.target;
-        notice.property = put(request, property) ? property : xcb_atom_t{XCB_ATOM_NONE};
+        const bool done = request.target == multiple_
+                              ? put_several(request)
+                              : put(request.requestor, request.target, property);
+        notice.property = done ? property : xcb_atom_t{XCB_ATOM_NONE};
         // The library copies 32 bytes, the size of every event on the wire.
         char wire[32]{};
         std::memcpy(wire, &notice, sizeof notice);
         xcb_send_event(x_, 0, request.requestor, XCB_EVENT_MASK_NO_EVENT, wire);
     }
 
-    bool put(const xcb_selection_request_event_t& request, xcb_atom_t property) {
-        if (request.target == targets_) {
-            std::vector<xcb_atom_t> types{targets_, timestamp_};
+    bool put(xcb_window_t window, xcb_atom_t target, xcb_atom_t property) {
+        if (target == targets_) {
+            std::vector<xcb_atom_t> types{targets_, timestamp_, multiple_};
             for (const Item& item : items_)
                 types.push_back(item.type);
-            set(request.requestor, property, XCB_ATOM_ATOM, types.data(), types.size());
+            set(window, property, XCB_ATOM_ATOM, types.data(), types.size());
             return true;
         }
-        if (request.target == timestamp_) {
-            set(request.requestor, property, XCB_ATOM_INTEGER, &time_, 1);
+        if (target == timestamp_) {
+            set(window, property, XCB_ATOM_INTEGER, &time_, 1);
             return true;
         }
         for (const Item& item : items_) {
-            if (item.type != request.target) continue;
-            put_item(request.requestor, property, item);
+            if (item.type != target) continue;
+            put_item(window, property, item);
             return true;
         }
         return false;
+    }
+
+    // The property holds pairs of a target and the property to put it on, which becomes none for
+    // what we don't have.
+    bool put_several(const xcb_selection_request_event_t& request) {
+        constexpr uint32_t most = 512;  // words
+        const auto reply = owned(
+            xcb_get_property_reply(x_,
+                                   xcb_get_property(x_, 0, request.requestor, request.property,
+                                                    XCB_GET_PROPERTY_TYPE_ANY, 0, most),
+                                   nullptr));
+        if (!reply || reply->format != 32) return false;
+        const auto* words = static_cast<const uint32_t*>(xcb_get_property_value(reply.get()));
+        std::vector<uint32_t> pairs(words, words + reply->value_len / 2 * 2);
+        for (std::size_t i = 0; i < pairs.size(); i += 2) {
+            if (pairs[i + 1] != XCB_ATOM_NONE && !put(request.requestor, pairs[i], pairs[i + 1]))
+                pairs[i + 1] = XCB_ATOM_NONE;
+        }
+        set(request.requestor, request.property, reply->type, pairs.data(), pairs.size());
+        return true;
     }
 
     void set(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, const uint32_t* words,
@@ -262,6 +286,7 @@ class Holder {
     xcb_window_t window_ = XCB_WINDOW_NONE;
     xcb_atom_t targets_ = XCB_ATOM_NONE;
     xcb_atom_t timestamp_ = XCB_ATOM_NONE;
+    xcb_atom_t multiple_ = XCB_ATOM_NONE;
     xcb_atom_t incremental_ = XCB_ATOM_NONE;
     xcb_timestamp_t time_ = XCB_CURRENT_TIME;
     bool lost_ = false;

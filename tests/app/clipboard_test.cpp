@@ -180,6 +180,80 @@ TEST_F(Desktop, ANewerClipboardIsNotOverwrittenByAMoveThatRuns) {
     EXPECT_EQ(clipboard("UTF8_STRING"), "newer");
 }
 
+// A client of the X server that speaks the protocol itself.
+class RawClient {
+  public:
+    RawClient() : x_(xcb_connect(nullptr, nullptr)) {
+        const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(x_)).data;
+        window_ = xcb_generate_id(x_);
+        xcb_create_window(x_, XCB_COPY_FROM_PARENT, window_, screen->root, 0, 0, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    }
+    ~RawClient() {
+        xcb_disconnect(x_);
+    }
+    RawClient(const RawClient&) = delete;
+    RawClient& operator=(const RawClient&) = delete;
+
+  protected:
+    xcb_atom_t atom(const std::string& name) {
+        xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(
+            x_, xcb_intern_atom(x_, 0, static_cast<uint16_t>(name.size()), name.data()), nullptr);
+        const xcb_atom_t found = reply->atom;
+        free(reply);
+        return found;
+    }
+
+    xcb_connection_t* x_;
+    xcb_window_t window_ = 0;
+};
+
+// Asks for several types of the clipboard in one request.
+class Requestor : public RawClient {
+  public:
+    // For each type whether it was given.
+    std::string several(const std::vector<std::string>& types) {
+        const xcb_atom_t pairs = atom("pairs");
+        std::vector<xcb_atom_t> words;
+        for (const std::string& type : types) {
+            words.push_back(atom(type));
+            words.push_back(atom("given " + type));
+        }
+        xcb_change_property(x_, XCB_PROP_MODE_REPLACE, window_, pairs, atom("ATOM_PAIR"), 32,
+                            static_cast<uint32_t>(words.size()), words.data());
+        xcb_convert_selection(x_, window_, atom("CLIPBOARD"), atom("MULTIPLE"), pairs,
+                              XCB_CURRENT_TIME);
+        xcb_flush(x_);
+        free(xcb_wait_for_event(x_));  // the answer is the only event that comes here
+        xcb_get_property_reply_t* reply = xcb_get_property_reply(
+            x_, xcb_get_property(x_, 0, window_, pairs, XCB_GET_PROPERTY_TYPE_ANY, 0, 64), nullptr);
+        const auto* answered = static_cast<const xcb_atom_t*>(xcb_get_property_value(reply));
+        std::string told;
+        for (uint32_t i = 1; i < reply->value_len; i += 2)
+            told += answered[i] == XCB_ATOM_NONE ? "no " : "yes ";
+        free(reply);
+        return told;
+    }
+};
+
+// A program that owns selections and never answers for them.
+class HungOwner : public RawClient {
+  public:
+    explicit HungOwner(const std::vector<std::string>& selections) {
+        for (const std::string& name : selections)
+            xcb_set_selection_owner(x_, window_, atom(name), XCB_CURRENT_TIME);
+        xcb_flush(x_);
+    }
+
+    bool owns(const std::string& selection) {
+        xcb_get_selection_owner_reply_t* reply = xcb_get_selection_owner_reply(
+            x_, xcb_get_selection_owner(x_, atom(selection)), nullptr);
+        const bool owned = reply->owner == window_;
+        free(reply);
+        return owned;
+    }
+};
+
 TEST_F(Desktop, AListOutlivesTheProgramUntilAnotherTakesTheClipboard) {
     constexpr std::size_t kMany = 400;  // of 200 bytes are more than is sent in one piece
     for (std::size_t i = 0; i < kMany; ++i)
@@ -195,6 +269,7 @@ TEST_F(Desktop, AListOutlivesTheProgramUntilAnotherTakesTheClipboard) {
     stop_child(window, SIGTERM);
     for (std::size_t i = 0; i < before.size(); ++i)
         EXPECT_TRUE(clipboard(types[i]) == before[i]) << types[i];
+    EXPECT_EQ(Requestor().several({"application/x-kde-cutselection", "UTF8_STRING"}), "no yes ");
 
     const pid_t to = open("to");
     press(to, "ctrl+v");
@@ -202,45 +277,6 @@ TEST_F(Desktop, AListOutlivesTheProgramUntilAnotherTakesTheClipboard) {
     put("UTF8_STRING", "newer");
     EXPECT_EQ(clipboard("UTF8_STRING"), "newer");
 }
-
-// A program that owns selections and never answers for them.
-class HungOwner {
-  public:
-    explicit HungOwner(std::vector<std::string> selections) : x_(xcb_connect(nullptr, nullptr)) {
-        const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(x_)).data;
-        window_ = xcb_generate_id(x_);
-        xcb_create_window(x_, XCB_COPY_FROM_PARENT, window_, screen->root, 0, 0, 1, 1, 0,
-                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-        for (const std::string& name : selections)
-            xcb_set_selection_owner(x_, window_, atom(name), XCB_CURRENT_TIME);
-        xcb_flush(x_);
-    }
-    ~HungOwner() {
-        xcb_disconnect(x_);
-    }
-    HungOwner(const HungOwner&) = delete;
-    HungOwner& operator=(const HungOwner&) = delete;
-
-    bool owns(const std::string& selection) {
-        xcb_get_selection_owner_reply_t* reply = xcb_get_selection_owner_reply(
-            x_, xcb_get_selection_owner(x_, atom(selection)), nullptr);
-        const bool owned = reply->owner == window_;
-        free(reply);
-        return owned;
-    }
-
-  private:
-    xcb_atom_t atom(const std::string& name) {
-        xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(
-            x_, xcb_intern_atom(x_, 0, static_cast<uint16_t>(name.size()), name.data()), nullptr);
-        const xcb_atom_t found = reply->atom;
-        free(reply);
-        return found;
-    }
-
-    xcb_connection_t* x_;
-    xcb_window_t window_ = 0;
-};
 
 // How long it takes until the condition holds.
 std::chrono::milliseconds time_until(const std::function<bool()>& condition) {
@@ -255,6 +291,13 @@ TEST_F(Desktop, AnOwnerOrAManagerThatHangsDoesNotHoldUpTheWindow) {
     HungOwner hung({"CLIPBOARD", "CLIPBOARD_MANAGER"});
     press(window, "ctrl+v alt+e Escape Escape ctrl+a ctrl+c");
     EXPECT_LT(time_until([&] { return !hung.owns("CLIPBOARD"); }).count(), 2000);
+    {
+        const HungOwner killed({"CLIPBOARD"});
+        press(window, "ctrl+v");
+    }  // while it is asked: the server ends its connection, as it does for a process that is killed
+    press(window, "ctrl+x");
+    EXPECT_LT(time_until([] { return clipboard_has("ortransfiles"); }).count(), 2000);
+    EXPECT_EQ(count("from"), 1u);
     kill(window, SIGTERM);  // the toolkit waits five seconds for the manager
     const std::string search =
         "xdotool search --onlyvisible --all --pid " + std::to_string(window) + " --class dorn";
