@@ -32,11 +32,11 @@ void tell_left_out(int foreign, bool all) {
 }
 
 void start_operations(int32_t kind, TransferLists* dropped, const std::string& directory) {
-    for (FileTransfer& list : dropped->lists) {
-        if (file_drop_is_idle(list, directory)) continue;
-        _file_op(kind, std::make_unique<FileTransfer>(std::move(list)), directory.c_str());
-    }
-    tell_left_out(dropped->foreign, dropped->lists.empty());
+    const bool no_files = dropped->lists.empty();
+    std::erase_if(dropped->lists,
+                  [&](const auto& list) { return file_drop_is_idle(list, directory); });
+    file_ops(kind, std::move(dropped->lists), directory.c_str());
+    tell_left_out(dropped->foreign, no_files);
 }
 
 }  // namespace

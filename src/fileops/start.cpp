@@ -18,6 +18,19 @@ int _file_op(int32_t kind, std::unique_ptr<FileTransfer> transfer, const char* d
     return fop_start_cmd(kind, transfer->directory.c_str(), transfer->names, destination);
 }
 
+void file_ops(int32_t kind, std::vector<FileTransfer> lists, const char* destination) {
+    int failed = 0;
+    for (FileTransfer& list : lists) {
+        if (_file_op(kind, std::make_unique<FileTransfer>(std::move(list)), destination) != 0)
+            ++failed;
+    }
+    if (failed == 0 || lists.size() == 1) return;
+    wreport(w_instance("base"), "File Operation",
+            "The files of %d more directories were left alone: as many operations as can run at "
+            "once are running.",
+            failed);
+}
+
 int fop_start_cmd(int32_t kind, const char* directory, const std::vector<std::string>& names,
                   const char* destination) {
     fop_set_ended_cb(slot_mark_removed);

@@ -12,6 +12,8 @@
 #include "menus/menus.h"
 #include "ui/dialogs.h"
 
+#include <QGuiApplication>
+
 #include <string>
 
 namespace dorn {
@@ -81,18 +83,17 @@ int em_paste() {
     sPasteWaitsFor.clear();
     TransferLists lists = file_clipboard_lists();
     const std::string destination = gDir->path;
-    for (FileTransfer& list : lists.lists) {
-        if (list.directory == destination) continue;
-        _file_op(lists.cut ? kFopMove : kFopCopy, std::make_unique<FileTransfer>(std::move(list)),
-                 destination.c_str());
-    }
+    std::erase_if(lists.lists, [&](const auto& list) { return list.directory == destination; });
+    file_ops(lists.cut ? kFopMove : kFopCopy, std::move(lists.lists), destination.c_str());
     if (lists.foreign > 0) report_left_out(lists);
     return 0;
 }
 
 void em_clipboard_changed() {
     if (sPasteWaitsFor.empty() || file_clipboard_is_being_read()) return;
-    const bool is_there = gDir != nullptr && gDir->path == sPasteWaitsFor;
+    // Who works in another program meanwhile may have put something else there.
+    const bool is_there = gDir != nullptr && gDir->path == sPasteWaitsFor &&
+                          QGuiApplication::applicationState() == Qt::ApplicationActive;
     sPasteWaitsFor.clear();
     if (is_there && menus_run("em_paste") == -1) ui_bell();
 }

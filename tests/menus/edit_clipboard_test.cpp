@@ -109,6 +109,21 @@ TEST_F(EditClipboard, APasteCopiesOrMovesFromEachDirectoryAndTellsWhatItLeavesOu
     EXPECT_EQ(access(sandbox_.file("a").c_str(), F_OK), -1);
     EXPECT_TRUE(file_is_cut(sandbox_.file("to").c_str(), "kept"));  // it is where it was to go
     EXPECT_FALSE(file_is_cut(sandbox_.path(), "a"));
+
+    std::string many = "cut";
+    for (int i = 0; i < kMaxSlots + 2; ++i) {
+        const std::string name = "many" + std::to_string(i);
+        sandbox_.mkdir(name);
+        sandbox_.write(name + "/" + name);
+        many += "\n" + uri + "/" + name + "/" + name;
+    }
+    put(kTypeGnomeFiles, many);
+    EXPECT_EQ(alerts_of([] { menus_run("em_paste"); }),
+              "File Operation: The files of 2 more directories were left alone: as many operations "
+              "as can run at once are running.");
+    EXPECT_TRUE(QTest::qWaitFor([] { return n_slots == 0; }, 20000));
+    EXPECT_EQ(access(sandbox_.file("to/many49").c_str(), F_OK), 0);
+    EXPECT_TRUE(file_is_cut(sandbox_.file("many50").c_str(), "many50"));
 }
 
 TEST_F(EditClipboard, DeleteAsksAsTheSettingsSayAndCancelKeepsAll) {
