@@ -2,6 +2,7 @@
 
 #include "ui/offer_data.h"
 
+#include <QElapsedTimer>
 #include <QMimeData>
 
 #include <algorithm>
@@ -10,6 +11,8 @@ namespace dorn {
 
 namespace {
 
+constexpr qint64 kSilenceMs = 3000;  // after which whom we ask hangs
+
 std::string_view view_of(const QByteArray& bytes) {
     return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
 }
@@ -17,7 +20,7 @@ std::string_view view_of(const QByteArray& bytes) {
 TransferLists read_as(const QMimeData* data, const char* type) {
     const QByteArray bytes = data->data(QLatin1String(type));
     QByteArray kde_cut;
-    if (type == kTypeUriList) kde_cut = data->data(QLatin1String(kTypeKdeCut));
+    if (type == kTypeUriList && !bytes.isEmpty()) kde_cut = data->data(QLatin1String(kTypeKdeCut));
     return transfer_unpack(view_of(bytes), type, view_of(kde_cut));
 }
 
@@ -36,17 +39,18 @@ bool transfer_mime_offered(const QMimeData* data) {
     });
 }
 
-TransferLists transfer_from_mime(const QMimeData* data, bool* own) {
+TransferLists transfer_from_mime(const QMimeData* data) {
     TransferLists arrived;
-    if (own != nullptr) *own = false;
     if (data == nullptr) return arrived;
     const QStringList formats = data->formats();
-    for (const char* type : transfer_types()) {
+    QElapsedTimer asked;
+    asked.start();
+    for (const char* type : transfer_types().first(kListTypes)) {
         if (!formats.contains(QLatin1String(type))) continue;
         TransferLists found = read_as(data, type);
-        if (own != nullptr) *own = type == kTypeTransfiles && !found.lists.empty();
         if (!found.lists.empty()) return found;
         if (found.foreign > arrived.foreign) arrived = std::move(found);
+        if (asked.elapsed() > kSilenceMs) break;
     }
     return arrived;
 }

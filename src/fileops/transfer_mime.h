@@ -15,8 +15,8 @@ QMimeData* transfer_mime_data(std::shared_ptr<const FileTransfer> transfer, bool
 /// Whether the data names a type that we read (its data may still turn out to be none).
 bool transfer_mime_offered(const QMimeData* data);
 
-/// The lists in `data`, of the most telling type that has any. `own`, unless null, receives whether
-/// they came in our own packed form.
-TransferLists transfer_from_mime(const QMimeData* data, bool* own = nullptr);
+/// The lists in `data`, of the most telling type that has any. Of a program that hangs one type is
+/// waited for (five seconds on X11), not the others.
+TransferLists transfer_from_mime(const QMimeData* data);
 
 }  // namespace dorn

@@ -19,7 +19,6 @@ namespace {
 
 constexpr std::size_t kTagSize = 8;     // bytes, filled up with NUL
 constexpr std::size_t kNumberSize = 4;  // bytes, the lowest first
-constexpr const char* kMarkedText = "x-special/nautilus-clipboard";
 
 bool is_type(const char* type, const char* other) {
     return std::strcmp(type, other) == 0;
@@ -216,7 +215,8 @@ class Grouping {
         const std::size_t slash = path ? path->rfind('/') : std::string::npos;
         if (!path || !is_base_name(std::string_view(*path).substr(slash + 1))) {
             ++arrived_->foreign;
-            if (arrived_->left_out.size() < kLeftOutNamed) arrived_->left_out.emplace_back(uri);
+            if (arrived_->left_out.size() < kLeftOutNamed)
+                arrived_->left_out.emplace_back(uri.substr(0, kLeftOutBytes));
             return;
         }
         std::string directory = path->substr(0, std::max<std::size_t>(slash, 1));
@@ -326,8 +326,6 @@ TransferLists transfer_unpack(std::string_view bytes, const char* type, std::str
     if (is_type(type, kTypeUriList)) {
         arrived.cut = kde_cut.starts_with('1');
         unpack_uris(bytes, &arrived);
-    } else if (is_type(type, kTypeText) && take_line(&bytes) == kMarkedText) {
-        arrived = unpack_copied_files(bytes);
     }
     return arrived;
 }

@@ -40,10 +40,11 @@ struct TransferLists {
     bool cut = false;
     std::vector<FileTransfer> lists;
     int foreign = 0;  // entries left out: no local files ("sftp:", ...), or without a name ("/")
-    std::vector<std::string> left_out;  // the first few of these, for people to read
+    std::vector<std::string> left_out;  // beginnings of the first few of these, for people to read
 };
 
-inline constexpr std::size_t kLeftOutNamed = 5;  // entries that left_out holds at most
+inline constexpr std::size_t kLeftOutNamed = 5;    // entries that left_out holds at most
+inline constexpr std::size_t kLeftOutBytes = 200;  // of each
 
 /// Every type that is written, in the order above. The first kListTypes of them are lists by
 /// themselves and are read.
@@ -60,9 +61,8 @@ bool transfer_packs(const TransferLists& transfer, const char* type);
 /// The offer of these lists, for the clipboard or a drag.
 std::shared_ptr<const ClipboardOffer> transfer_offer(std::shared_ptr<const TransferLists> transfer);
 
-/// Reads `bytes` of one of the types above; malformed bytes give no list. `kde_cut` is the data of
-/// kTypeKdeCut, which says of a kTypeUriList whether it was cut. Of kTypeText only the form that
-/// begins with a line "x-special/nautilus-clipboard" is a list.
+/// Reads `bytes` of one of the first kListTypes types; malformed bytes give no list. `kde_cut` is
+/// the data of kTypeKdeCut, which says of a kTypeUriList whether it was cut.
 TransferLists transfer_unpack(std::string_view bytes, const char* type,
                               std::string_view kde_cut = {});
 
