@@ -71,7 +71,10 @@ void set_up_clipboard() {
     file_clipboard_setup(clipboard_changed);
     fl_set_cut_cb(is_cut, file_get_cut_files);
     fl_set_selected_cb(tb_update_edit);
-    QObject::connect(qApp, &QCoreApplication::aboutToQuit, clipboard_outlive);
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] {
+        file_get_cut_files();  // what was moved last is not to stay on the list
+        clipboard_outlive();
+    });
 }
 
 void before_realised() {
