@@ -18,6 +18,7 @@ namespace dorn {
 namespace {
 
 std::vector<ClipboardTypes> sWanted;
+ClipboardMaker sMake_f = nullptr;
 void (*sChanged_f)() = nullptr;
 ClipboardContent sContent;
 
@@ -37,8 +38,8 @@ void set_content(ClipboardContent content) {
 }
 
 // Where reading asks no other program, or the window system lets nobody but the toolkit read.
-std::map<std::string, std::string> read_through_toolkit() {
-    std::map<std::string, std::string> items;
+ClipboardItems read_through_toolkit() {
+    ClipboardItems items;
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     if (data == nullptr) return items;  // there are platforms without
     const QStringList formats = data->formats();
@@ -56,15 +57,23 @@ std::map<std::string, std::string> read_through_toolkit() {
 
 void start_reading() {
     const uint64_t number = ++sReading;
-    auto read = std::make_shared<SelectionRead>();
+    struct Read {
+        bool answered = false;
+        std::shared_ptr<void> made;
+    };
+    auto read = std::make_shared<Read>();
     sContent.own.reset();
     sContent.known = false;
     ui_async(
-        nullptr, [read, wanted = sWanted] { *read = x_selection_read(wanted); },
+        nullptr,
+        [read, wanted = sWanted, make = sMake_f] {
+            const SelectionRead selection = x_selection_read(wanted);
+            *read = {selection.answered, make(selection.items)};
+        },
         [read, number] {
             if (number != sReading) return;
             sUnanswered = !read->answered;
-            set_content({nullptr, std::move(read->items), true});
+            set_content({nullptr, read->made, true});
         });
 }
 
@@ -72,23 +81,25 @@ void content_changed() {
     ++sReading;
     sUnanswered = false;
     if (sOffer != nullptr && clipboard_holds(sOffer.get()))
-        set_content({sOffer, {}, true});
+        set_content({sOffer, nullptr, true});
     else if (is_x11())
         start_reading();
     else
-        set_content({nullptr, read_through_toolkit(), true});
+        set_content({nullptr, sMake_f(read_through_toolkit()), true});
 }
 
 }  // namespace
 
-void clipboard_setup(std::vector<ClipboardTypes> wanted, void (*changed)()) {
+void clipboard_setup(std::vector<ClipboardTypes> wanted, ClipboardMaker make, void (*changed)()) {
     sWanted = std::move(wanted);
+    sMake_f = make;
     sChanged_f = changed;
     QClipboard* clipboard = QGuiApplication::clipboard();
     QObject::connect(clipboard, &QClipboard::dataChanged, clipboard, content_changed);
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, clipboard,
                      [](Qt::ApplicationState state) {
-                         if (state == Qt::ApplicationActive && sUnanswered) content_changed();
+                         const bool unread = sUnanswered || !sContent.known;
+                         if (state == Qt::ApplicationActive && unread) content_changed();
                      });
     content_changed();
 }

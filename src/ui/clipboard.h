@@ -2,9 +2,10 @@
 //
 // The content of another program's clipboard is read beside the event loop whenever it changes, and
 // kept. On X11 that is done on a spare thread, so that an owner that hangs or dies costs nothing
-// but its content. Of the content only the types that were asked for are read. Event-loop thread.
+// but its content. Of the content only the types that were asked for are read. There, too, what is
+// kept is made of the bytes, which may be many. Event-loop thread.
 //
-//     clipboard_setup({{"our/type"}, {"text/uri-list", "their/extra"}}, content_changed);
+//     clipboard_setup({{"our/type"}, {"text/uri-list", "their/extra"}}, made_of, content_changed);
 //     clipboard_put(std::make_shared<ClipboardOffer>(...));
 #pragma once
 
@@ -23,19 +24,24 @@ struct ClipboardOffer {
     std::function<std::string(const char* type)> pack;
 };
 
+using ClipboardItems = std::map<std::string, std::string>;  // bytes by type
+
 /// What the clipboard holds as far as is known.
 struct ClipboardContent {
     std::shared_ptr<const ClipboardOffer> own;  // ours; null when another program's
-    std::map<std::string, std::string> items;   // bytes of another program's, by type
+    std::shared_ptr<void> made;                 // what was made of another program's
     bool known = true;  // false: it has changed and is being read; the rest is as it was
 };
+
+/// Makes what is kept of another program's content. Any thread.
+using ClipboardMaker = std::shared_ptr<void> (*)(const ClipboardItems& items);
 
 /// Types that belong together, the first of them telling whether the others are read.
 using ClipboardTypes = std::vector<std::string>;
 
 /// Watches the clipboard from here on. Read are the types of the first group that has data.
 /// `changed` is called whenever what is known of the content has changed.
-void clipboard_setup(std::vector<ClipboardTypes> wanted, void (*changed)());
+void clipboard_setup(std::vector<ClipboardTypes> wanted, ClipboardMaker make, void (*changed)());
 
 const ClipboardContent& clipboard_content();
 

@@ -15,7 +15,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto kSilence = std::chrono::seconds(3);   // of an owner, until it counts as hung
 constexpr auto kPatience = std::chrono::seconds(9);  // for everything
-constexpr std::size_t kMostBytes = std::size_t{256} << 20;
+constexpr std::size_t kMostBytes = std::size_t{128} << 20;
 constexpr uint32_t kWholeProperty = 0x1FFFFFFF;  // in units of four bytes
 
 struct Free {
@@ -70,8 +70,8 @@ class SelectionReader {
             XCB_ATOM_NONE)
             return std::string();
         std::string bytes;
-        if (take_property(&bytes) != incremental_) return bytes;
-        return take_pieces();
+        if (take_property(&bytes) == incremental_) return take_pieces();
+        return bytes.size() <= kMostBytes ? bytes : std::string();
     }
 
     std::vector<xcb_atom_t> atoms_of(const std::string& bytes) const {

@@ -10,7 +10,7 @@ namespace dorn {
 
 struct SelectionRead {
     bool answered = false;  // false: the owner was silent for too long, or there is no server
-    std::map<std::string, std::string> items;  // bytes by type; empty when it has none of the types
+    ClipboardItems items;   // empty when it has none of the types
 };
 
 /// Reads the clipboard: the types of the first group whose first type has data. Takes no longer

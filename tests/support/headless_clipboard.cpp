@@ -4,12 +4,17 @@ namespace dorn {
 
 namespace {
 
+ClipboardMaker sMake_f = nullptr;
 void (*sChanged_f)() = nullptr;
 ClipboardContent sContent;
+ClipboardItems sItems;  // of another program
 int sPuts = 0;
 
-void set_content(ClipboardContent content) {
-    sContent = std::move(content);
+void set_content(std::shared_ptr<const ClipboardOffer> own, ClipboardItems items, bool known) {
+    sItems = std::move(items);
+    sContent.own = std::move(own);
+    sContent.known = known;
+    if (known) sContent.made = sMake_f(sItems);
     if (sContent.known && sChanged_f != nullptr) sChanged_f();
 }
 
@@ -18,18 +23,18 @@ void set_content(ClipboardContent content) {
 namespace headless {
 
 void clipboard_foreign(std::map<std::string, std::string> items, bool unread) {
-    set_content({nullptr, std::move(items), !unread});
+    set_content(nullptr, std::move(items), !unread);
 }
 
 void clipboard_read() {
-    set_content({nullptr, sContent.items, true});
+    set_content(nullptr, sItems, true);
 }
 
 std::string clipboard_bytes(const std::string& type) {
     if (sContent.own != nullptr)
         return sContent.own->has(type.c_str()) ? sContent.own->pack(type.c_str()) : "";
-    const auto item = sContent.items.find(type);
-    return item == sContent.items.end() ? "" : item->second;
+    const auto item = sItems.find(type);
+    return item == sItems.end() ? "" : item->second;
 }
 
 int clipboard_puts() {
@@ -38,7 +43,8 @@ int clipboard_puts() {
 
 }  // namespace headless
 
-void clipboard_setup(std::vector<ClipboardTypes>, void (*changed)()) {
+void clipboard_setup(std::vector<ClipboardTypes>, ClipboardMaker make, void (*changed)()) {
+    sMake_f = make;
     sChanged_f = changed;
 }
 
@@ -52,12 +58,12 @@ bool clipboard_holds(const ClipboardOffer* offer) {
 
 void clipboard_put(std::shared_ptr<const ClipboardOffer> offer) {
     ++sPuts;
-    set_content({std::move(offer), {}, true});
+    set_content(std::move(offer), {}, true);
 }
 
 void clipboard_clear() {
     ++sPuts;
-    set_content({});
+    set_content(nullptr, {}, true);
 }
 
 }  // namespace dorn

@@ -88,22 +88,26 @@ void tell_others() {
     clipboard_clear();
 }
 
-TransferLists unpack_content(const ClipboardContent& content) {
-    const auto kde_cut = content.items.find(kTypeKdeCut);
+TransferLists unpack_items(const ClipboardItems& items) {
+    const auto kde_cut = items.find(kTypeKdeCut);
     for (const char* type : transfer_types().first(kListTypes)) {
-        const auto item = content.items.find(type);
-        if (item == content.items.end()) continue;
-        return transfer_unpack(item->second, type,
-                               kde_cut == content.items.end() ? "" : kde_cut->second);
+        const auto item = items.find(type);
+        if (item == items.end()) continue;
+        return transfer_unpack(item->second, type, kde_cut == items.end() ? "" : kde_cut->second);
     }
     return {};
+}
+
+std::shared_ptr<void> make_listed(const ClipboardItems& items) {
+    return std::make_shared<ListedFiles>(unpack_items(items));
 }
 
 void content_changed() {
     const ClipboardContent& content = clipboard_content();
     if (content.own != nullptr && content.own == sOffer) return;
     sOffer.reset();
-    set_listed(std::make_shared<ListedFiles>(unpack_content(content)));
+    set_listed(content.made ? std::static_pointer_cast<ListedFiles>(content.made)
+                            : std::make_shared<ListedFiles>(TransferLists{}));
     if (sChanged_f != nullptr) sChanged_f();
 }
 
@@ -113,7 +117,7 @@ void file_clipboard_setup(void (*changed)()) {
     sChanged_f = changed;
     clipboard_setup(
         {{kTypeTransfiles}, {kTypeGnomeFiles}, {kTypeMateFiles}, {kTypeUriList, kTypeKdeCut}},
-        content_changed);
+        make_listed, content_changed);
 }
 
 void file_clipboard_put(FileTransfer list, bool cut) {

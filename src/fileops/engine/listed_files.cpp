@@ -4,10 +4,12 @@ namespace dorn {
 
 ListedFiles::ListedFiles(TransferLists lists) : lists_(std::move(lists)) {
     for (FileTransfer& list : lists_.lists) {
+        Names* names = lists_.cut ? &index_[list.directory] : nullptr;
+        if (names != nullptr) names->reserve(list.names.size());
         for (std::string& name : list.names) {
             if (name.empty()) continue;
             // A name that comes twice is one file.
-            if (lists_.cut && !index_[list.directory].emplace(name, &name).second)
+            if (names != nullptr && !names->emplace(name, &name).second)
                 name.clear();
             else
                 ++left_;
