@@ -75,7 +75,9 @@ class MouseDrag : public WindowTest {
         return {value(QLatin1String("X=")), value(QLatin1String("Y="))};
     }
 
-    static void drag(QPoint from, QPoint to, int rest = kUnhurried, bool ctrl = false) {
+    // With `via` a sweep to that place becomes the drag, else the row is selected first.
+    static void drag(QPoint from, QPoint to, int rest = kUnhurried, bool ctrl = false,
+                     QPoint via = {}) {
         QStringList words;
         auto add = [&](const char* text) { words += QString::fromLatin1(text).split(u' '); };
         auto move = [&](QPoint at) {
@@ -83,8 +85,11 @@ class MouseDrag : public WindowTest {
                 {QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y())};
         };
         move(from);
-        if (gDir->n_selected < 2) add("click 1 sleep 0.6");  // the rest makes it no double click
+        if (gDir->n_selected < 2 && via.isNull())
+            add("click 1 sleep 0.6");  // the rest makes it no double click
         add("mousedown 1");
+        if (!via.isNull()) move(via);
+        if (!via.isNull()) from = via;
         constexpr int kSteps = 8;
         for (int step = 1; step <= kSteps; ++step) {
             add("sleep 0.06");
@@ -136,6 +141,11 @@ TEST_F(MouseDrag, BetweenTwoProcesses) {
     settle();
     drag(place("d"), place("") + offset);
     EXPECT_TRUE(arrives("other/d", "here/d", false));
+    settle();
+    const QPoint last = place("c");
+    drag(place("b"), QPoint(place("").x() + offset.x(), last.y()), kUnhurried, false, last);
+    EXPECT_TRUE(arrives("other/b", "here/b", false));
+    EXPECT_TRUE(arrives("other/c", "here/c", false));
 }
 
 TEST_F(MouseDrag, FromAnotherProgramCopiesAndKeepsTheNameByteForByte) {
