@@ -13,21 +13,10 @@ namespace dorn {
 
 namespace {
 
-constexpr std::size_t kNewNameSize = 47;  // bytes
-constexpr int kFieldCharacters = 52;      // that fit the fields
+constexpr int kFieldCharacters = 52;  // that fit the fields
 
 QString shown(const std::string& name) {
     return ui_text(fname_decode(name.c_str(), nullptr));
-}
-
-// The name without a character that the limit cuts.
-std::string cut_name(std::string name) {
-    if (name.size() <= kNewNameSize) return name;
-    std::size_t end = kNewNameSize;
-    while (end > 0 && (name[end] & 0xC0) == 0x80)
-        --end;
-    name.resize(end);
-    return name;
 }
 
 void long_filename_setup(const Ui::LongFilename& layout) {
@@ -45,7 +34,7 @@ void long_filename_rename(const QString& text) {
     do_rename = 1;
     if (text.isEmpty() || text == shown(newfile)) return;
     if (const char* name = fname_encode(text.toStdString().c_str()); name != nullptr)
-        newfile = cut_name(name);
+        newfile = fop_cut_name(name);
 }
 
 }  // namespace

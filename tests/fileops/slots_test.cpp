@@ -3,6 +3,7 @@
 
 #include "fileops/engine/progress.h"
 #include "fileops/engine/prompts.h"
+#include "fileops/long_filename.h"
 #include "fileops/slot_panel.h"
 #include "fileops/slots_window.h"
 #include "support/fake_programs.h"
@@ -10,6 +11,7 @@
 #include "ui/qt_widget.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScrollArea>
@@ -184,6 +186,32 @@ TEST_F(Slots, AnOperationThatEndsTakesItsCancelQuestionWithIt) {
     EXPECT_EQ(question(), nullptr);
     EXPECT_EQ(n_slots, 1);
     EXPECT_EQ(other.op()->cancelled, 0);
+}
+
+TEST_F(Slots, TheLongNameDialogGivesTheNameTypedOrSkips) {
+    const FakeOperation asking = FakeOperation::start();
+    const struct {
+        const char* button;
+        std::string typed;
+        int renames;
+        std::string name;
+    } rows[] = {{"long_filename_rename", "shorter", 1, "shorter"},
+                {"long_filename_rename", "", 1, "proposed\xff"},
+                {"long_filename_rename", "?proposed?", 1, "proposed\xff"},
+                {"long_filename_skip", "shorter", 0, "proposed\xff"}};
+    for (const auto& row : rows) {
+        newfile = "proposed\xff";
+        do_rename = 0;
+        QTimer::singleShot(0, [&] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            dialog->findChild<QLineEdit*>(QStringLiteral("long_filename_newname"))
+                ->setText(QString::fromStdString(row.typed));
+            dialog->findChild<QPushButton*>(QLatin1String(row.button))->click();
+        });
+        long_filename_ask(asking.panel);
+        EXPECT_EQ(do_rename, row.renames);
+        EXPECT_EQ(newfile, row.name);
+    }
 }
 
 TEST_F(Slots, OthersEndAndAreRemovedWhileOneWaitsForAnAnswer) {

@@ -206,7 +206,6 @@ TEST_P(FailingBlockTest, IsAskedAboutAndLeavesAWholeFileOrNone) {
         {"read", 3, EIO, {"Abort"}, false, false, 1},
         {"close", 0, EIO, {"Continue"}, false, true, 1},
         {"close", 0, EDQUOT, {"Abort"}, false, false, 1},
-        {"close", 0, ENOSPC, {"Abort"}, false, false, 1},
     };
     names_ = {"dir", "a"};
     for (const BlockRow& row : rows) {

@@ -1,5 +1,6 @@
 // Trees of what is rare: special files, foreign owners, long names, deep paths, huge files.
 #include "fileops/engine/fop.h"
+#include "fileops/engine/prompts.h"
 #include "support/lossless_test.h"
 
 #include <algorithm>
@@ -127,6 +128,43 @@ TEST_P(OddTreesTest, NothingGoesIntoItself) {
         EXPECT_NE(headless::alerts()[0].message.find("into itself."), std::string::npos);
     }
     if (is_bound) umount(sandbox_.file("bound").c_str());
+}
+
+TEST_P(OddTreesTest, ATooLongNameIsSkippedOrComesUnderTheNewOneWithItsQuestions) {
+    static std::string sNewName;
+    fop_set_long_name_cb([](Widget*) {
+        do_rename = sNewName.empty() ? 0 : 1;
+        newfile = sNewName;
+    });
+    const bool is_copy = GetParam() == kFopCopy;
+    const struct {
+        const char* new_name;
+        const char* asked;  // how the question ends
+        std::string there;  // afterwards, under the new name
+        bool stays;         // the source
+    } rows[] = {{"", "", "", true},
+                {"fresh", "", "first", is_copy},
+                {"else/kept", "file exists.\nWhat do you want to do ?\n", "somebody's", true},
+                {"from/a", "into itself.", "first", true}};
+    names_ = {"a"};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.new_name);
+        make_trees();
+        sNewName = row.new_name[0] == '\0' ? "" : sandbox_.file(row.new_name);
+        std::vector<Fault> faults = kOtherFileSystem;
+        faults.push_back({"openat", 2, ENAMETOOLONG, "a"});  // the first opens the source
+        run(GetParam(), faults, {"Skip"}, {"a"});
+        EXPECT_EQ(asked_.size(), row.asked[0] == '\0' ? 0U : 1U);
+        for (const std::string& message : asked_)
+            EXPECT_TRUE(message.ends_with(row.asked)) << message;
+        const std::string there = sNewName.empty() ? "" : sandbox_.read(row.new_name);
+        EXPECT_EQ(there, row.there);
+        EXPECT_EQ(fs::exists(from("a")), row.stays);
+        EXPECT_EQ(tree_of(sandbox_.file("to")), Tree{});
+    }
+    EXPECT_EQ(fop_cut_name(std::string(46, 'n') + "\u00e4tail"), std::string(46, 'n'));
+    EXPECT_EQ(fop_cut_name(std::string(60, '\xbf')), std::string(47, '\xbf'));
+    fop_set_long_name_cb(nullptr);
 }
 
 // Makes, or walks down, `depth` directories of that name below `path`. How many there were.

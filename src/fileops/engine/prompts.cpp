@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::size_t kOldNameSize = 255;  // bytes
 constexpr std::size_t kNewNameSize = 47;   // bytes
+constexpr std::size_t kCharacterSize = 4;  // bytes of the longest
 
 std::atomic<void (*)(Widget*)> sLongNameDialog{nullptr};
 
@@ -53,8 +54,8 @@ int escape_button(const std::string& buttons) {
     return button;
 }
 
-std::string base_name(const std::string& path, std::size_t size) {
-    return path.substr(path.rfind('/') + 1, size);
+std::string base_name(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
 }
 
 }  // namespace
@@ -96,14 +97,23 @@ int FilenameTooLong(FileOp* op, const std::string& source, std::string* destinat
     if (dialog == nullptr) return 0;
     int renamed = 0;
     show(op, ui_locked, [&] {
-        oldfile = base_name(source, kOldNameSize);
-        newfile = base_name(*destination, kNewNameSize);
+        oldfile = base_name(source).substr(0, kOldNameSize);
+        newfile = fop_cut_name(base_name(*destination));
         do_rename = 0;
         dialog(op->display->panel);
         renamed = do_rename;
         if (renamed != 0) *destination = newfile;
     });
     return renamed;
+}
+
+std::string fop_cut_name(std::string name) {
+    if (name.size() <= kNewNameSize) return name;
+    std::size_t end = kNewNameSize;
+    while (end > kNewNameSize - kCharacterSize && (name[end] & 0xC0) == 0x80)
+        --end;
+    name.resize((name[end] & 0xC0) == 0x80 ? kNewNameSize : end);
+    return name;
 }
 
 void fop_set_long_name_cb(void (*dialog)(Widget* parent)) {

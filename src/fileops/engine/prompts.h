@@ -30,6 +30,9 @@ extern std::string oldfile;  // the source's base name, at most 255 bytes
 extern std::string newfile;  // the proposed base name, at most 47 bytes
 extern int do_rename;        // non-zero once the user chose Rename
 
+/// The name as newfile holds it, cut short between two characters.
+std::string fop_cut_name(std::string name);
+
 /// Sets the dialog: it reads and writes the state above and returns when it has closed. `parent` is
 /// the operation's slot. Null (the start): every too long name is skipped.
 void fop_set_long_name_cb(void (*dialog)(Widget* parent));
