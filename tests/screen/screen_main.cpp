@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace {
 
@@ -63,10 +64,12 @@ class Screen {
         setenv("HOME", directory_.path(), 1);
         for (const char* name : {"WAYLAND_DISPLAY", "XAUTHORITY", "SESSION_MANAGER"})
             unsetenv(name);
-        manager_ = dorn::start_child({"/usr/bin/openbox", "--sm-disable"}, {{}, {}, {}, log, {}});
         // A window that maps itself while the window manager starts would never be shown.
-        dorn::wait_until(
-            [] { return std::system("xdotool get_num_desktops >/dev/null 2>&1") == 0; });
+        const std::string started = directory_.file("started");
+        manager_ =
+            dorn::start_child({"/usr/bin/openbox", "--sm-disable", "--startup", "touch " + started},
+                              {{}, {}, {}, log, {}});
+        dorn::wait_until([&] { return access(started.c_str(), F_OK) == 0; });
     }
     ~Screen() {
         for (const pid_t pid : {manager_, server_}) {
