@@ -5,7 +5,6 @@
 #include "destmenus/dest_item.h"
 #include "dirmodel/dir_entry.h"
 #include "filelist/filelist.h"
-#include "filelist/navigation.h"
 #include "filelist/selection.h"
 #include "measure.h"
 #include "menus/menus.h"
@@ -135,13 +134,18 @@ void measure_filling(int count) {
 }
 
 void measure_everything() {
-    std::signal(SIGCHLD, SIG_DFL);  // dorn ignores it, and then no child's status can be had
+    std::signal(SIGCHLD, SIG_DFL);   // dorn ignores it, and then no child's status can be had
+    std::signal(SIGWINCH, SIG_IGN);  // other instances may ask for a re-read
     measure_menus("");
     const std::string files = make_entries(
         "files", kSelected, [](const std::string& path) { std::ofstream(path + ".txt"); });
     fl_setpath(files.c_str());
     fl_select_all();
     measure_menus(", 100000 selected");
+    if (gDir->n_selected != kSelected) {
+        std::fprintf(stderr, "menus_bench: %d entries selected\n", gDir->n_selected);
+        std::exit(1);
+    }
     measure_filling(10000);
     measure_filling(50000);
     std::fflush(stdout);

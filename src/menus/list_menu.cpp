@@ -1,6 +1,6 @@
 #include "menus/list_menu.h"
 
-#include "assoc/engine/association.h"
+#include "assoc/engine/association_index.h"
 #include "dirmodel/dir_entry.h"
 #include "menus/menu_build.h"
 
@@ -98,12 +98,18 @@ void lcm_set_facts_cb(void (*complete)(ListMenuFacts* facts)) {
 
 void lcm_look_at_associations(ListMenuFacts* facts) {
     facts->can_open = facts->can_view = facts->can_edit = facts->selected > facts->directories;
+    if (!facts->can_open) return;
+    const AssociationIndex associations;
     for (int32_t i = 0; gDir != nullptr && i < gDir->count; ++i) {
         const DirEntry& entry = *gDir->entries[i];
         if ((entry.flags & kEntrySelected) == 0 || is_directory(entry)) continue;
         if (!facts->can_open && !facts->can_view && !facts->can_edit) return;
-        const int index = _get_pat_idx(entry.name);
-        const Association row = index < 0 ? Association{} : apat[static_cast<std::size_t>(index)];
+        const int index = associations.find(entry.name);
+        if (index < 0) {
+            facts->can_open = facts->can_view = facts->can_edit = false;
+            return;
+        }
+        const Association& row = apat[static_cast<std::size_t>(index)];
         facts->can_open = facts->can_open && isempty(row.open.c_str()) == 0;
         facts->can_view = facts->can_view && isempty(row.view.c_str()) == 0;
         facts->can_edit = facts->can_edit && isempty(row.edit.c_str()) == 0;

@@ -1,5 +1,4 @@
-#include "assoc/engine/association.h"
-
+#include "assoc/engine/association_index.h"
 #include "support/headless_screen.h"
 #include "support/sandbox.h"
 
@@ -111,6 +110,32 @@ TEST_F(AssociationTest, ABlankCommandOfTheFirstMatchIsNotLookedForFurther) {
     EXPECT_EQ(_get_pat_cmd("a.h", AssocAction::Edit), nullptr);
     EXPECT_STREQ(_get_pat_cmd("a.x", AssocAction::Edit), "edit");
     EXPECT_EQ(apat[0].pattern, "*.c|*.h");
+}
+
+TEST_F(AssociationTest, TheIndexFindsWhatTheTableFinds) {
+    const char* const patterns[] = {"*.c|*.h",
+                                    "^*.TAR.g[zX]|readme",
+                                    "Makefile|*.[a-b]|[.]c|*.[!c]|*[.",
+                                    "^x|^y",
+                                    "a*|",
+                                    "[b-d]?|*.t\\*|*\\[ab]",
+                                    "*.tar.gz",
+                                    "^*\xC3\x84*|*.\xff",
+                                    "*"};
+    const char* const names[] = {
+        "a.c",      "x.tar.gz", "X.TAR.GZ", "README", "Makefile", "end.",   ".c",    "^y",
+        "X",        "",         "b1",       "e.t*",   "[ab]",     "\\a",    "e.txt", "\xC3\x84",
+        "\xC3\xA4", "q.\xff",   "no match", "a.b.c",  "..h",      ".tar.gz"};
+    for (std::size_t skipped = 0; skipped < std::size(patterns); ++skipped) {
+        apat.clear();
+        for (std::size_t i = 0; i < std::size(patterns); ++i)
+            if (i != skipped) apat.push_back({patterns[i], "", "", ""});
+        for (int turn = 0; turn < 2; ++turn, std::reverse(apat.begin(), apat.end())) {
+            const AssociationIndex index;
+            for (const char* name : names)
+                EXPECT_EQ(index.find(name), _get_pat_idx(name)) << name << ", without " << skipped;
+        }
+    }
 }
 
 // What is alerted goes to the shown screen, so the alerts are told on standard error for the test.
