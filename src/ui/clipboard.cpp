@@ -127,9 +127,10 @@ void clipboard_clear() {
 void clipboard_outlive() {
     for (QWidget* window : QApplication::topLevelWidgets())
         window->hide();
+    if (!is_x11()) return;
     if (const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>())
         xcb_flush(x11->connection());  // the event loop that would do it has ended
-    if (!is_x11() || !clipboard_holds(sOffer.get())) return;
+    if (!clipboard_holds(sOffer.get())) return;
     const SelectionOwners owners = x_selection_owners();
     if (owners.manager) return;
     clipboard_start_holder(*sOffer, owners.clipboard);
