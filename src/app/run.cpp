@@ -2,17 +2,21 @@
 
 #include "app/base.h"
 #include "app/base_window.h"
+#include "app/file_manager_dbus.h"
 #include "app/init.h"
+#include "app/show_request.h"
 #include "platform/signals.h"
 #include "platform/usage.h"
 #include "ui/dialogs.h"
 #include "ui/qt_widget.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QMainWindow>
 #include <QSocketNotifier>
 #include <QStyle>
 #include <QTimer>
+#include <QWindow>
 
 #include <clocale>
 #include <cstdio>
@@ -78,6 +82,16 @@ void show_window(QMainWindow* base, const WindowOptions& options) {
     }
 }
 
+// Takes the keyboard as whoever started us allows. X11's word for it the toolkit uses by itself.
+void take_keyboard(const QMainWindow* base) {
+    if (qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN") && base->windowHandle() != nullptr &&
+        QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        base->windowHandle()->requestActivate();
+    // Not for the programs that are started from here.
+    unsetenv("XDG_ACTIVATION_TOKEN");
+    unsetenv("DESKTOP_STARTUP_ID");
+}
+
 void take_signals() {
     bool refresh = false;
     bool terminate = false;
@@ -107,6 +121,7 @@ int dorn_run(int argc, char** argv, void (*ready)()) {
     // Other instances' refresh finds us by this name, whatever the file is called that was
     // executed.
     prctl(PR_SET_NAME, "dorn");
+    const ShowRequest request = show_request_take();
     ui_setup_icon_theme();
     int qt_argc = 1;  // no option of the toolkit's own may take one of ours
     QApplication application(qt_argc, argv);
@@ -116,6 +131,7 @@ int dorn_run(int argc, char** argv, void (*ready)()) {
     QApplication::setQuitOnLastWindowClosed(false);
     ui_set_alert_grace(kAlertGraceMs);
     keep_formats();
+    QGuiApplication::setLayoutDirection(QLocale::system().textDirection());
     look_after_style();
 
     init(argc, argv);
@@ -130,8 +146,11 @@ int dorn_run(int argc, char** argv, void (*ready)()) {
     base_opening();
     apply_options(base.get(), options);
     show_window(base.get(), options);
-    QTimer::singleShot(0, base.get(), [&base, ready] {
+    take_keyboard(base.get());
+    QTimer::singleShot(0, base.get(), [&base, &request, ready] {
         base_setup(handle(base.get()), 2);
+        show_request_apply(request);
+        tell_when_idle(base.get(), file_manager_dbus_start);
         if (ready != nullptr) tell_when_idle(base.get(), ready);
     });
     // The toolkit ends the process by itself when the display goes away. Registered behind all that

@@ -8,6 +8,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QStyleOptionFocusRect>
 #include <QStyleOptionHeader>
 
@@ -51,11 +52,12 @@ void HeaderButton::paintEvent(QPaintEvent*) {
     if (!icon().isNull()) {
         const QRect mark(area.right() - kMarkSize + 1, area.center().y() - kMarkSize / 2, kMarkSize,
                          kMarkSize);
-        icon().paint(&painter, mark);
+        icon().paint(&painter, QStyle::visualRect(layoutDirection(), rect(), mark));
         area.adjust(0, 0, -kMarkSize - 2, 0);
     }
     painter.setPen(palette().color(QPalette::ButtonText));
-    draw_squeezed_text(&painter, area, Qt::AlignLeft, text());
+    draw_squeezed_text(&painter, QStyle::visualRect(layoutDirection(), rect(), area), Qt::AlignLeft,
+                       text());
     if (hasFocus()) {
         QStyleOptionFocusRect focus;
         focus.initFrom(this);
@@ -65,8 +67,9 @@ void HeaderButton::paintEvent(QPaintEvent*) {
     }
 }
 
-// The column whose right edge lies at `x`, 0 for none: this button's, or the one to its left.
+// The column whose far edge lies at `x`, 0 for none: this button's, or the one's before it.
 int HeaderButton::edge_at(int x) const {
+    if (isRightToLeft()) x = width() - 1 - x;
     const int column = column_of(this);
     const bool filler = column == 0;
     if (!filler && x >= width() - kEdge) return column;
@@ -88,7 +91,8 @@ void HeaderButton::mousePressEvent(QMouseEvent* event) {
 void HeaderButton::mouseMoveEvent(QMouseEvent* event) {
     if (dragged_column_ != 0) {
         constexpr int narrowest = 16;
-        const int moved = event->globalPosition().toPoint().x() - drag_start_x_;
+        const int to_right = event->globalPosition().toPoint().x() - drag_start_x_;
+        const int moved = isRightToLeft() ? -to_right : to_right;
         fl_set_column_width(dragged_column_, qMax(narrowest, drag_start_width_ + moved));
         return;
     }
@@ -134,15 +138,18 @@ void HeaderRow::resizeEvent(QResizeEvent*) {
 
 void HeaderRow::place(int offset) {
     offset_ = offset;
+    auto mirrored = [this](const QRect& area) {
+        return QStyle::visualRect(layoutDirection(), rect(), area);
+    };
     int x = -offset;
     for (int column = 1; column <= kColumns; ++column) {
         QWidget* button = qt(w_instance(fl_header_name(column)));
         if (button == nullptr) return;
-        button->setGeometry(x, 0, button->width(), height());
+        button->setGeometry(mirrored({x, 0, button->width(), height()}));
         x += button->width();
     }
     if (QWidget* filler = qt(w_instance("fh_link0")); filler != nullptr)
-        filler->setGeometry(x, 0, qMax(0, width() - x), height());
+        filler->setGeometry(mirrored({x, 0, qMax(0, width() - x), height()}));
 }
 
 }  // namespace dorn

@@ -22,10 +22,7 @@ constexpr std::array<const char*, kRowImages> kKinds = {"folder",         "file"
 constexpr int kSizeColumn = 2;
 
 QString description(const ListRow& row) {
-    const QString kind = QLatin1String(kKinds[row.image]);
-    const bool selected = row.index >= 0 && row.index < gDir->count &&
-                          (gDir->entries[row.index]->flags & kEntrySelected) != 0;
-    return selected ? kind + QStringLiteral(", selected") : kind;
+    return QLatin1String(kKinds[row.image]);
 }
 
 }  // namespace

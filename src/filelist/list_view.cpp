@@ -3,6 +3,7 @@
 #include "filelist/columns.h"
 #include "filelist/drop_mark.h"
 #include "filelist/header_row.h"
+#include "filelist/list_accessible.h"
 #include "filelist/list_drop.h"
 #include "filelist/pane.h"
 #include "filelist/row_delegate.h"
@@ -22,6 +23,7 @@ constexpr int kLinkWidth = 150;  // pixels; the one column whose width is not ke
 }  // namespace
 
 ListView::ListView(QWidget* parent) : QTreeView(parent) {
+    list_accessible_install();
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true);

@@ -4,6 +4,7 @@
 #include "filelist/squeezed_text.h"
 
 #include <QPainter>
+#include <QStyle>
 
 namespace dorn {
 
@@ -38,15 +39,16 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         const QRect place(area.left(), area.center().y() - kImageSize / 2 + 1, kImageSize,
                           kImageSize);
         if (area.width() >= kImageSize)
-            icon.paint(painter, place, Qt::AlignCenter,
-                       selected && active ? QIcon::Selected : QIcon::Normal);
+            icon.paint(painter, QStyle::visualRect(option.direction, option.rect, place),
+                       Qt::AlignCenter, selected && active ? QIcon::Selected : QIcon::Normal);
         area.adjust(kImageSize + kImageGap, 0, 0, 0);
     }
     painter->setFont(option.font);
     const bool inverted = selected && active;
     painter->setPen(option.palette.color(inverted ? QPalette::HighlightedText : QPalette::Text));
     const auto alignment = index.data(Qt::TextAlignmentRole).value<Qt::Alignment>();
-    draw_squeezed_text(painter, area, alignment, index.data(Qt::DisplayRole).toString());
+    draw_squeezed_text(painter, QStyle::visualRect(option.direction, option.rect, area), alignment,
+                       index.data(Qt::DisplayRole).toString());
 }
 
 QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {

@@ -1,11 +1,15 @@
 #include "filelist/selection.h"
 
 #include "dirmodel/name_match.h"
+#include "filelist/list_accessible.h"
 #include "filelist/list_view.h"
+#include "filelist/navigation.h"
 #include "filelist/pane.h"
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
+#include <unordered_set>
 
 namespace dorn {
 
@@ -23,6 +27,7 @@ void selection_changed() {
     status_bar_update();
     if (sSelected_f != nullptr) sSelected_f();
     if (gPane.view != nullptr) gPane.view->viewport()->update();
+    list_accessible_selection_changed(gPane.view);
 }
 
 bool in_range(int32_t index) {
@@ -152,6 +157,20 @@ int32_t fl_find_name(const char* name) {
         if (std::strcmp(gDir->entries[i]->name, name) == 0) return i;
     }
     return -2;
+}
+
+int32_t fl_select_names(const std::vector<std::string>& names) {
+    const std::unordered_set<std::string_view> wanted(names.begin(), names.end());
+    std::vector<int32_t> found;
+    for (int32_t i = 0; in_range(i); ++i) {
+        if (wanted.contains(gDir->entries[i]->name)) found.push_back(i);
+    }
+    if (found.empty()) return 0;
+    const SelectionBatch batch;
+    fl_goto_index(found.front());
+    for (const int32_t index : found)
+        fl_select_index(index);
+    return static_cast<int32_t>(found.size());
 }
 
 }  // namespace dorn

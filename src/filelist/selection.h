@@ -4,6 +4,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace dorn {
 
@@ -37,6 +39,11 @@ using FindCallback = int32_t (*)(int32_t index);
 /// pattern; with a callback that is called for each one, the last. -2 when there is none or the
 /// text is empty, -1 for "..". The walk begins at entry 0 whatever `start` says.
 int32_t x_find(const char* text, int32_t start, uint32_t flags, FindCallback callback);
+
+/// Selects exactly the entries of these names, makes the first of them in the list's order the
+/// current one and scrolls to it. When none of them is listed nothing changes. Returns their
+/// number.
+int32_t fl_select_names(const std::vector<std::string>& names);
 
 /// The entry of exactly that name, which is never read as a pattern; -2 when there is none.
 int32_t fl_find_name(const char* name);

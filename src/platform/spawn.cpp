@@ -74,9 +74,10 @@ class Settings {
     Settings& operator=(const Settings&) = delete;
 
     /// 0 or an errno value.
-    int start(const char* path, char* const* arguments, pid_t* process) const {
+    int start(const char* path, char* const* arguments, char* const* environment,
+              pid_t* process) const {
         if (error_ != 0) return error_;
-        return posix_spawn(process, path, &actions_, &attributes_, arguments, environ);
+        return posix_spawn(process, path, &actions_, &attributes_, arguments, environment);
     }
 
   private:
@@ -88,6 +89,14 @@ class Settings {
     posix_spawn_file_actions_t actions_;
     int error_ = 0;
 };
+
+std::vector<char*> pointers_to(const std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (const std::string& text : texts)
+        pointers.push_back(const_cast<char*>(text.c_str()));
+    return pointers;
+}
 
 }  // namespace
 
@@ -141,14 +150,16 @@ std::string orrin_adaptor(const std::string& name) {
 }
 
 int spawn_program(const std::string& path, const std::vector<std::string>& arguments,
-                  const SpawnFiles& files) {
-    std::vector<char*> pointers;
-    pointers.reserve(arguments.size() + 1);
-    for (const std::string& argument : arguments)
-        pointers.push_back(const_cast<char*>(argument.c_str()));
-    pointers.push_back(nullptr);
+                  const SpawnFiles& files, const std::vector<std::string>& variables) {
+    std::vector<char*> words = pointers_to(arguments);
+    words.push_back(nullptr);
+    std::vector<char*> environment = pointers_to(variables);
+    for (char** inherited = environ; *inherited != nullptr; ++inherited)
+        environment.push_back(*inherited);
+    environment.push_back(nullptr);
     pid_t process = -1;
-    const int error = Settings(files).start(path.c_str(), pointers.data(), &process);
+    const int error =
+        Settings(files).start(path.c_str(), words.data(), environment.data(), &process);
     if (error == 0) return process;
     errno = error;
     return -1;

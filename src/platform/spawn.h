@@ -35,9 +35,10 @@ struct SpawnFiles {
     int output = -1;
 };
 
-/// Starts the executable `path` with `arguments` (the first is its name). Returns the process id,
-/// or -1 with errno set.
+/// Starts the executable `path` with `arguments` (the first is its name). `variables`, as
+/// "NAME=value", stand before those of the program's environment. Returns the process id, or -1
+/// with errno set.
 int spawn_program(const std::string& path, const std::vector<std::string>& arguments,
-                  const SpawnFiles& files = {});
+                  const SpawnFiles& files = {}, const std::vector<std::string>& variables = {});
 
 }  // namespace dorn

@@ -45,6 +45,8 @@ EntryField::EntryField(QComboBox* combo) : QObject(combo), combo_(combo) {
     combo->setMaxVisibleItems(20);
     QObject::disconnect(combo->lineEdit(), &QLineEdit::editingFinished, combo, nullptr);
     combo->installEventFilter(this);
+    // The toolkit gives a combo box's text as its name.
+    combo->lineEdit()->setAccessibleName(combo->accessibleName());
     combo->lineEdit()->installEventFilter(this);
 }
 

@@ -12,6 +12,7 @@
 #include <QSvgRenderer>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -178,6 +179,17 @@ bool is_dark(const QPalette& palette) {
            palette.color(QPalette::WindowText).lightness();
 }
 
+// "Back" points to where one came from, which is on the right where text runs to the left.
+const char* facing(const char* name) {
+    if (name == nullptr || !QGuiApplication::isRightToLeft()) return name;
+    constexpr const char* pairs[][2] = {{"back", "forward"}, {"go-previous", "go-next"}};
+    for (const auto& pair : pairs) {
+        if (std::strcmp(name, pair[0]) == 0) return pair[1];
+        if (std::strcmp(name, pair[1]) == 0) return pair[0];
+    }
+    return name;
+}
+
 }  // namespace
 
 void ui_setup_icon_theme() {
@@ -185,7 +197,8 @@ void ui_setup_icon_theme() {
 }
 
 QIcon ui_icon(const char* own_name, const char* theme_name) {
-    const PicturePtr picture = find_picture(own_name);
+    theme_name = facing(theme_name);
+    const PicturePtr picture = find_picture(facing(own_name));
     QIcon own(new PictureEngine(picture));
     if (theme_name == nullptr || !has_desktop_theme()) return own;
     // Themes have dark glyphs even where the palette is dark; ours follow it.

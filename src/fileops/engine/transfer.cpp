@@ -180,8 +180,9 @@ bool is_this_host(std::string_view host) {
     return strcasecmp(asked.c_str(), "localhost") == 0 || strcasecmp(asked.c_str(), own) == 0;
 }
 
-// The local path that a URI names, with single slashes; none when it names something else.
-std::optional<std::string> path_of_uri(std::string_view uri) {
+}  // namespace
+
+std::optional<std::string> transfer_path_of_uri(std::string_view uri) {
     constexpr std::string_view scheme = "file:";
     if (uri.size() < scheme.size() || strncasecmp(uri.data(), scheme.data(), scheme.size()) != 0)
         return std::nullopt;
@@ -203,6 +204,8 @@ std::optional<std::string> path_of_uri(std::string_view uri) {
     return path;
 }
 
+namespace {
+
 // --- the forms of other programs ---
 
 // Puts paths into one list a directory, in the order in which the directories come.
@@ -211,7 +214,7 @@ class Grouping {
     explicit Grouping(TransferLists* arrived) : arrived_(arrived) {}
 
     void add(std::string_view uri) {
-        const std::optional<std::string> path = path_of_uri(uri);
+        const std::optional<std::string> path = transfer_path_of_uri(uri);
         const std::size_t slash = path ? path->rfind('/') : std::string::npos;
         if (!path || !is_base_name(std::string_view(*path).substr(slash + 1))) {
             ++arrived_->foreign;

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -65,5 +66,9 @@ std::shared_ptr<const ClipboardOffer> transfer_offer(std::shared_ptr<const Trans
 /// the data of kTypeKdeCut, which says of a kTypeUriList whether it was cut.
 TransferLists transfer_unpack(std::string_view bytes, const char* type,
                               std::string_view kde_cut = {});
+
+/// The local path, byte for byte, that a "file:" URI names, with single slashes and none at its
+/// end; nothing when it names something else or is broken.
+std::optional<std::string> transfer_path_of_uri(std::string_view uri);
 
 }  // namespace dorn
