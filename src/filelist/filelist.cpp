@@ -61,6 +61,7 @@ int refresh_once() {
     const bool same_directory = !gDir->path.empty() && last_path == gDir->path;
     const std::string name = name_to_return_to(same_directory);
     last_path = gDir->path;
+    if (gPane.view != nullptr) gPane.view->set_left_row(gPane.view->current_row());
     const ScopedBlock block(w_instance("base"));
     fl_timer_disable();
     dir_read(gDir, fl_sort_function(), fl_sort_order());

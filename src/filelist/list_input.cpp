@@ -254,19 +254,21 @@ void ListView::toggle_current(bool keep) {
 bool ListView::move_by_key(QKeyEvent* event) {
     const int last = static_cast<int>(gPane.rows.size()) - 1;
     const int page = qMax(1, viewport()->height() / qMax(1, sizeHintForRow(0)) - 1);
+    const bool gone = current_row_ < 0;  // the entry below has come to its row
+    const int here = gone ? left_row_ : current_row_;
     QScrollBar* across = horizontalScrollBar();
     switch (event->key()) {
         case Qt::Key_Up:
-            move_current(event, qMax(0, current_row_ - 1));
+            move_current(event, qMax(0, here - 1));
             return true;
         case Qt::Key_Down:
-            move_current(event, qMin(last, current_row_ + 1));
+            move_current(event, qMin(last, gone ? here : here + 1));
             return true;
         case Qt::Key_PageUp:
-            move_current(event, qMax(0, current_row_ - page));
+            move_current(event, qMax(0, here - page));
             return true;
         case Qt::Key_PageDown:
-            move_current(event, qMin(last, current_row_ + page));
+            move_current(event, qMin(last, here + page));
             return true;
         case Qt::Key_Home:
             move_current(event, 0);

@@ -19,6 +19,13 @@ class ListView : public QTreeView {
     void set_first_visible_row(int row);
     /// Highlights `row` as the current one, -1 for none, without scrolling.
     void show_current_row(int row);
+    int current_row() const {
+        return current_row_;
+    }
+    /// Where the arrow keys go on while no row is highlighted: the row of an entry that is gone.
+    void set_left_row(int row) {
+        left_row_ = qMax(row, 0);
+    }
     void scroll_to_row(int row);
     /// The row at a position of the viewport, -1 for none.
     int row_at(const QPoint& position) const;
@@ -62,6 +69,7 @@ class ListView : public QTreeView {
 
     int anchor_ = -1;        // row where a range begins
     int current_row_ = -1;   // the highlighted row
+    int left_row_ = 0;       // where the keys go on when none is
     bool sweeping_ = false;  // the select button is held and sweeps a range
     QPoint press_;           // where the select button went down, in the viewport
     OnRelease on_release_ = OnRelease::Nothing;

@@ -117,6 +117,18 @@ TEST_F(Selection, KeysMoveExtendAndToggle) {
     EXPECT_EQ(gDir->current, -1);
 }
 
+TEST_F(Selection, KeysGoOnWhereAnEntryWasThatIsGone) {
+    const std::pair<const char*, Qt::Key> moves[] = {{"b.h", Qt::Key_Down}, {"c.c", Qt::Key_Up}};
+    for (const auto& [name, key] : moves) {
+        click(name);
+        std::filesystem::remove(sandbox_.file(name));
+        fl_refresh();
+        EXPECT_EQ(gDir->current, -2);
+        press(key);
+        EXPECT_EQ(selected(), key == Qt::Key_Up ? "abc" : "c.c") << name;
+    }
+}
+
 TEST_F(Selection, TypingSearchesAndEscapeKeepsTheSelection) {
     type("ab");
     EXPECT_EQ(text_of("status1"), "/ab");

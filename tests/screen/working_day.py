@@ -101,6 +101,8 @@ def cancel(day):
     day.screen.key("Return")
     day.expect_gone("archive/old")
     day.expect_done()
+    day.screen.key("Down")
+    day.expect_selected("report1.txt")  # which has come to its row
     for number in range(40):
         os.unlink(day.at(f"projects/old/{number}.img"))
 
