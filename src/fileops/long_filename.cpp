@@ -33,7 +33,8 @@ void long_filename_setup(const Ui::LongFilename& layout) {
 void long_filename_rename(const QString& text) {
     do_rename = 1;
     if (text.isEmpty() || text == shown(newfile)) return;
-    if (const char* name = fname_encode(text.toStdString().c_str()); name != nullptr)
+    const std::string typed = text.toStdString();  // may be the result's very text
+    if (const char* name = fname_encode(typed.c_str()); name != nullptr)
         newfile = fop_cut_name(name);
 }
 
