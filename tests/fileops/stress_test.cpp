@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
+#include <utility>
 
 namespace dorn {
 namespace {
@@ -27,7 +28,7 @@ class Stress : public ::testing::Test {
   protected:
     void SetUp() override {
         fakes_.add("zap");
-        gConfig = &config_;
+        before_ = std::exchange(gConfig, &config_);
         slot_set_exit_cb(nullptr, nullptr);
         sandbox_.mkdir("source");
         for (int folder = 0; folder < kFolders; ++folder) {
@@ -51,7 +52,7 @@ class Stress : public ::testing::Test {
             },
             60000));
         FakePrograms::wait();
-        gConfig = nullptr;
+        gConfig = before_;
     }
 
     static std::string file_name(int folder, int file) {
@@ -92,6 +93,7 @@ class Stress : public ::testing::Test {
     FakePrograms fakes_;
     Sandbox sandbox_;
     Config config_{};
+    Config* before_ = nullptr;  // of the tests with a whole window
     std::vector<std::string> names_;
     std::mt19937 random_{7};
     QTimer answers_;
