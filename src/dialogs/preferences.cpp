@@ -5,6 +5,7 @@
 #include "dialogs/preference_bits.h"
 #include "dirmodel/name_translation.h"
 #include "filelist/filelist.h"
+#include "hotlist/hotlist_tree.h"
 #include "platform/charset.h"
 
 #include <QFontDialog>
@@ -88,8 +89,14 @@ void apply_font(const FontChoice& choice, std::span<char> field, const char* pan
     if (QWidget* widget = qt(w_instance(pane))) widget->setFont(ui_font(field.data()));
 }
 
+// What names are translated by.
+std::string translation() {
+    return std::to_string(gConfig->flags & kEncodingMask) + gConfig->alt_encoding;
+}
+
 void config_apply() {
     constexpr int32_t kFoldersFirst = 2;
+    const std::string translation_before = translation();
     gConfig->dirs_first = sLayout.cdirs->isChecked() ? kFoldersFirst : 0;
     const uint32_t flags = preference_bits_read(sLayout, gConfig->flags);
     std::atomic_ref(gConfig->flags).store(flags, std::memory_order_relaxed);  // workers read it
@@ -102,6 +109,7 @@ void config_apply() {
     sDialog->accept();
     fname_set_translation(gConfig->flags & kEncodingMask, gConfig->alt_encoding);
     fl_refresh();
+    if (translation() != translation_before) tree_translation_changed();
 }
 
 // Over the button, as far as the screen has room there.

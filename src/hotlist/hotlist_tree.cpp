@@ -126,6 +126,17 @@ int tree_delete_cb() {
     return 0;
 }
 
+void tree_translation_changed() {
+    QTreeWidget* tree = tree_widget();
+    std::vector<TreeItem*> top_level;
+    for (int i = 0; i < tree->topLevelItemCount(); ++i) {
+        TreeItem* item = tree_item(tree->topLevelItem(i));
+        top_level.push_back(item);
+        if (item->isExpanded()) tree_expand_later(tree, item);
+    }
+    tree_probe(tree, top_level);
+}
+
 void tree_selection_cb(QTreeWidget* tree, QTreeWidgetItem* item) {
     tree->scrollToItem(item);
     const std::optional<std::string> path = tree_disk_path(tree_item(item));

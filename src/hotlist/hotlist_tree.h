@@ -38,6 +38,10 @@ void tree_remove(HotlistTree* list, const char* path);
 int tree_add_cb();
 int tree_delete_cb();
 
+/// To be called when names are translated otherwise than before: labels and pictures follow, and
+/// what is expanded is read anew.
+void tree_translation_changed();
+
 /// Shows the item's directory in the file list, unless it is the one shown.
 void tree_selection_cb(QTreeWidget* tree, QTreeWidgetItem* item);
 

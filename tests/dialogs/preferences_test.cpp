@@ -4,10 +4,12 @@
 #include "dialog_fixture.h"
 #include "dirmodel/name_translation.h"
 #include "filelist/filelist.h"
+#include "hotlist/hotlist_tree.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QFontDialog>
+#include <QTreeWidget>
 
 #include <cstring>
 
@@ -88,12 +90,21 @@ TEST_F(PreferencesTest, EachChoiceSetsItsBitAloneAndIsShownAgain) {
 TEST_F(PreferencesTest, WhatIsChosenWorksAtOnce) {
     sandbox_.write("a");
     sandbox_.mkdir("b");
+    sandbox_.mkdir("b/\xE8");
     sandbox_.write(".dot");
     sandbox_.write("\xE9");
     gConfig->flags |= kHideDotFiles;
     gConfig->dirs_first = 0;
     show_sandbox();
     EXPECT_EQ(row_name(1), "a");
+    tree_add(&gTree, sandbox_.file("b").c_str());
+    auto* tree = qt_instance<QTreeWidget>("tree");
+    QTreeWidgetItem* bookmark = tree->topLevelItem(tree->topLevelItemCount() - 1);
+    const auto branch = [bookmark] {
+        return bookmark->childCount() == 1 ? bookmark->child(0)->text(0) : QString();
+    };
+    bookmark->setExpanded(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return branch() == QStringLiteral("??"); }));
 
     em_edit_preferences();
     toggle("cdot")->click();
@@ -104,6 +115,8 @@ TEST_F(PreferencesTest, WhatIsChosenWorksAtOnce) {
     EXPECT_EQ(row_name(1) + row_name(2) + row_name(3) + row_name(4), "b.dota\u00E9");
     EXPECT_EQ(gOptions & kOptionDotEntries, kOptionDotEntries);
     EXPECT_STREQ(gConfig->alt_encoding, "ISO-8859-1");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return branch() == QStringLiteral("\u00E8"); }));
+    tree_remove(&gTree, sandbox_.file("b").c_str());
 
     em_edit_preferences();
     EXPECT_EQ(charsets()->currentText(), QStringLiteral("ISO-8859-1"));
