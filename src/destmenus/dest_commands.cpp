@@ -1,7 +1,7 @@
 #include "destmenus/dest_commands.h"
 
-#include "config/config.h"
 #include "destmenus/dest_dialogs.h"
+#include "dialogs/typed_name.h"
 #include "dirmodel/dir_entry.h"
 #include "dirmodel/name_translation.h"
 #include "dirmodel/path_text.h"
@@ -34,8 +34,7 @@ std::optional<std::string> ask_for_destination(const Verb& verb, const FileTrans
     const std::optional<Destination> typed = input_dest(verb.title);
     if (!typed) return std::nullopt;
     if (!typed->path) {
-        wreport(w_instance("base"), "Error", "Unable to translate '%s' into '%s' encoding.",
-                typed->text.c_str(), gConfig->alt_encoding);
+        report_untranslatable(typed->text);
         return std::nullopt;
     }
     if (typed->path->starts_with('/')) return typed->path;

@@ -1,6 +1,7 @@
 #include "destmenus/dest_dialogs.h"
 
 #include "config/history.h"
+#include "dialogs/typed_name.h"
 #include "dirmodel/dir_entry.h"
 #include "dirmodel/name_translation.h"
 #include "dirmodel/path_completion.h"
@@ -29,7 +30,7 @@ struct DestinationField {
     std::string completed_path{};
 
     std::string text() const {
-        return combo->currentText().toStdString();
+        return typed_text(combo->currentText());
     }
     std::optional<std::string> path() const {
         if (!completed_path.empty() && combo->currentText() == completed_text)

@@ -283,7 +283,7 @@ TEST_F(DestMenuTest, OtherAsksForADirectoryWithHistoryAndCompletion) {
         {here + QStringLiteral("/t"), Qt::Key_Tab, to.c_str(), nullptr, ""},
         {QString(), Qt::Key_Return, "", nullptr, ""},
         {here + QStringLiteral("/bare"), Qt::Key_Escape, nullptr, nullptr, ""},
-        {QStringLiteral("../bare"), Qt::Key_Return, nullptr, "bare/one", ""},
+        {QStringLiteral("../bare\n"), Qt::Key_Return, nullptr, "bare/one", ""},
         {QStringLiteral("\u20AC"), Qt::Key_Return, nullptr, nullptr,
          "Error: Unable to translate '\u20AC' into 'ISO-8859-1' encoding."},
     };
