@@ -192,6 +192,7 @@ int em_edit_associations() {
     }
     sDialog = new QDialog(qt(w_instance("base")));
     sDialog->setAttribute(Qt::WA_DeleteOnClose);
+    ui_close_with_base(sDialog);
     sLayout.setupUi(sDialog);
     ui_register_instances(sDialog);
     connect_list();

@@ -2,7 +2,6 @@
 
 #include "filelist/filelist.h"
 
-#include <QEvent>
 #include <QLayout>
 #include <QScreen>
 #include <QScrollArea>
@@ -11,22 +10,6 @@
 namespace dorn {
 
 namespace {
-
-// Closes its dialog, whose child it is, with the main window: hidden, that would leave it behind.
-class CloseWithBase : public QObject {
-  public:
-    CloseWithBase(QDialog* dialog, QWidget* base) : QObject(dialog), dialog_(dialog) {
-        base->installEventFilter(this);
-    }
-
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Hide && !event->spontaneous()) dialog_->reject();
-        return false;
-    }
-
-  private:
-    QDialog* dialog_;
-};
 
 // The size that shows everything without scrolling. Layouts know theirs for certain only when their
 // widgets have been given a style, which otherwise happens when they are shown.
@@ -53,10 +36,9 @@ void fit_to_screen(QDialog* dialog) {
 }  // namespace
 
 QDialog* dialog_make() {
-    QWidget* base = qt(w_instance("base"));
-    auto* dialog = new QDialog(base);
+    auto* dialog = new QDialog(qt(w_instance("base")));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    if (base != nullptr) new CloseWithBase(dialog, base);
+    ui_close_with_base(dialog);
     return dialog;
 }
 

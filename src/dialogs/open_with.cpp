@@ -3,14 +3,12 @@
 #include "assoc/engine/association.h"
 #include "assoc/engine/command.h"
 #include "config/history.h"
+#include "dialogs/dialog_window.h"
 #include "filelist/filelist.h"
 #include "ui/combo.h"
-#include "ui/dialogs.h"
 #include "ui/entry_field.h"
-#include "ui/qt_widget.h"
 #include "ui_open_with.h"
 
-#include <QDialog>
 #include <QPointer>
 
 namespace dorn {
@@ -58,24 +56,16 @@ int fm_open_with_cb(const QComboBox* combo) {
 }  // namespace
 
 int fm_open_with() {
-    if (sDialog && sDialog->isVisible()) {
-        wfocus(w_instance("ow_command"));
-        return 0;
-    }
-    sDialog = new QDialog(qt(w_instance("base")));
-    sDialog->setAttribute(Qt::WA_DeleteOnClose);
+    if (dialog_to_front(sDialog)) return 0;
+    sDialog = dialog_make();
     Ui::OpenWith layout;
     layout.setupUi(sDialog);
-    ui_register_instances(sDialog);
     QComboBox* combo = layout.ow_command;
     fill(combo);
     QObject::connect(layout.ow_done, &QPushButton::clicked, [combo] { fm_open_with_cb(combo); });
     QObject::connect(layout.ow_cancel, &QPushButton::clicked, sDialog, &QDialog::reject);
-    sDialog->resize(kFieldCharacters * sDialog->fontMetrics().averageCharWidth(),
-                    sDialog->sizeHint().height());
-    wcenter(w_instance("base"), handle(sDialog));
-    sDialog->show();
-    wfocus(handle(combo));
+    combo->setMinimumWidth(kFieldCharacters * sDialog->fontMetrics().averageCharWidth());
+    dialog_show(sDialog, combo);
     return 0;
 }
 

@@ -1,11 +1,11 @@
 // The Quick Reference: a window that lists the commands and keys there are.
+#include "dialogs/dialog_window.h"
 #include "menus/accelerators.h"
 #include "menus/commands.h"
 #include "menus/menu_build.h"
 #include "ui/qt_widget.h"
 #include "ui_quickref.h"
 
-#include <QDialog>
 #include <QPointer>
 
 #include <array>
@@ -30,7 +30,8 @@ constexpr auto kListKeys = std::to_array<KeyLine>({
     {"Find the first name that begins so", "letters"},
     {"Find forward, opening it with Ret", "/"},
     {"Find backward", "?"},
-    {"Give the search up", "Esc"},
+    {"Run a command with Ret", ":"},
+    {"Give up what is being typed", "Esc"},
     {"Select a range", "Shift-click"},
     {"Select one more, or one less", "Ctrl-click"},
     {"Next part of the window", "Tab"},
@@ -92,13 +93,8 @@ void fill(QTreeWidget* list) {
 
 int help_quickref() {
     static QPointer<QDialog> window;
-    if (window) {
-        window->raise();
-        window->activateWindow();
-        return 0;
-    }
-    window = new QDialog(qt(w_instance("base")));
-    window->setAttribute(Qt::WA_DeleteOnClose);
+    if (dialog_to_front(window)) return 0;
+    window = dialog_make();
     Ui::QuickReference layout;
     layout.setupUi(window);
     QObject::connect(layout.quickref_close, &QPushButton::clicked, window, &QDialog::close);

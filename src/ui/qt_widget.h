@@ -10,6 +10,8 @@
 
 #include <string>
 
+class QDialog;
+
 namespace dorn {
 
 inline Widget* handle(QWidget* widget) {
@@ -30,6 +32,10 @@ T* qt_instance(const char* name) {
 
 /// Makes every named widget below `root`, itself included, known to w_instance.
 void ui_register_instances(QWidget* root);
+
+/// Closes the dialog, as by Escape, when the main window is hidden: hidden, that would leave it
+/// behind.
+void ui_close_with_base(QDialog* dialog);
 
 /// The font that a font name of the configuration record stands for: a family, a size in points of
 /// two digits or more, then "b" and "i" for bold and italic ("DejaVu Sans10b"). "TextFont" is the

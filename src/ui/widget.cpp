@@ -1,5 +1,7 @@
 #include "ui/qt_widget.h"
 
+#include <QDialog>
+#include <QEvent>
 #include <QHash>
 #include <QPointer>
 
@@ -11,6 +13,20 @@ QHash<QByteArray, QPointer<QWidget>>& instances() {
     static QHash<QByteArray, QPointer<QWidget>> table;
     return table;
 }
+
+// Belongs to its dialog and watches the main window.
+class CloseWithBase : public QObject {
+  public:
+    explicit CloseWithBase(QDialog* dialog) : QObject(dialog), dialog_(dialog) {}
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Hide && !event->spontaneous()) dialog_->reject();
+        return false;
+    }
+
+  private:
+    QDialog* dialog_;
+};
 
 }  // namespace
 
@@ -26,6 +42,10 @@ void ui_register_instances(QWidget* root) {
     add(root);
     for (QWidget* widget : root->findChildren<QWidget*>())
         add(widget);
+}
+
+void ui_close_with_base(QDialog* dialog) {
+    if (QWidget* base = qt(w_instance("base"))) base->installEventFilter(new CloseWithBase(dialog));
 }
 
 }  // namespace dorn

@@ -174,11 +174,6 @@ TEST_F(MenusTest, TheViewMenuOpensOnTheToolbarAndItsMarksFollowTheWindow) {
 }
 
 TEST_F(MenusTest, TheListMenuIsMadeForTheSelection) {
-    const char* const names[] = {"lcm_new_file", "lcm_new_folder", "fm_open_with",
-                                 "em_cut",       "em_copy",        "em_paste",
-                                 "em_delete",    "fm_inspect",     "fm_symlink"};
-    for (const char* name : names)
-        menus_register(name, [] { return 0; });
     sandbox_.write("file");
     sandbox_.write("other");
     sandbox_.mkdir("dir");
@@ -191,6 +186,7 @@ TEST_F(MenusTest, TheListMenuIsMadeForTheSelection) {
         facts->can_paste = extra.can_paste;
     });
     const std::tuple<const char*, ListMenuFacts, const char*> rows[] = {
+        {"", {0, 0, true, true, true, false}, "New"},
         {"", {0, 0, true, true, true, true}, "New Paste"},
         {"file",
          {0, 0, true, true, false, false},
@@ -212,28 +208,31 @@ TEST_F(MenusTest, TheListMenuIsMadeForTheSelection) {
         lcm_setup(&menu);
         EXPECT_EQ(labels(&menu), items) << select;
     }
-    for (const char* name : names)
-        menus_register(name, nullptr);
-    menus_run("em_unselect_all");
-    menus_open_list_menu(10, 10);
-    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
-TEST_F(MenusTest, TheQuickReferenceListsWhatThereIsAndClosesByEscape) {
-    press(Qt::Key_F1);
-    auto* window = qobject_cast<QDialog*>(qt(w_instance("quickref")));
-    ASSERT_NE(window, nullptr);
-    auto* list = window->findChild<QTreeWidget*>(QStringLiteral("quickref_list"));
-    auto key_of = [list](const char* command) {
-        const auto found =
-            list->findItems(QLatin1String(command), Qt::MatchExactly | Qt::MatchRecursive);
-        return found.isEmpty() ? QStringLiteral("none") : found.front()->text(1);
-    };
-    EXPECT_EQ(key_of("Select > All"), QStringLiteral("Ctrl-A"));
-    EXPECT_EQ(key_of("Find backward"), QStringLiteral("?"));
-    EXPECT_EQ(key_of("Inspect"), QStringLiteral("none"));
-    QTest::keyClick(window, Qt::Key_Escape);
-    EXPECT_TRUE(QTest::qWaitFor([] { return w_instance("quickref") == nullptr; }));
+TEST_F(MenusTest, TheQuickReferenceListsTheCommandsAndClosesByEscapeOrWithTheMainWindow) {
+    using Ending = void (*)(QDialog * window);
+    const Ending endings[] = {[](QDialog* window) { QTest::keyClick(window, Qt::Key_Escape); },
+                              [](QDialog*) { window_->hide(); }};
+    for (const Ending end : endings) {
+        QApplication::setActiveWindow(window_);
+        press(Qt::Key_F1);
+        auto* window = qobject_cast<QDialog*>(qt(w_instance("quickref")));
+        ASSERT_NE(window, nullptr);
+        auto* list = window->findChild<QTreeWidget*>(QStringLiteral("quickref_list"));
+        for (const auto& [command, key] : {std::pair{"Select > All", "Ctrl-A"},
+                                           {"Inspect", "F9"},
+                                           {"Print Directory", ""},
+                                           {"Find backward", "?"}}) {
+            const auto found =
+                list->findItems(QLatin1String(command), Qt::MatchExactly | Qt::MatchRecursive);
+            ASSERT_EQ(found.size(), 1) << command;
+            EXPECT_EQ(found.front()->text(1), QLatin1String(key));
+        }
+        end(window);
+        EXPECT_TRUE(QTest::qWaitFor([] { return w_instance("quickref") == nullptr; }));
+        window_->show();
+    }
 }
 
 TEST_F(MenusTest, TabWalksThroughEveryPart) {
