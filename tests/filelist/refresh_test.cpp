@@ -48,8 +48,7 @@ TEST_F(Refresh, EveryKindOfEntryHasItsPicture) {
     EXPECT_EQ(fl_column_text(index_of("broken"), 7), "nowhere");
     fl_select_index(index_of("ldir"));
     const QModelIndex row = gPane.model->index(fl_row_of(index_of("ldir")), 0);
-    EXPECT_EQ(row.data(Qt::AccessibleDescriptionRole).toString().toStdString(),
-              "link to a folder");
+    EXPECT_EQ(row.data(Qt::AccessibleDescriptionRole).toString().toStdString(), "link to a folder");
 }
 
 TEST_F(Refresh, RereadingKeepsPlaceAndFirstSelectedEntry) {
