@@ -12,6 +12,7 @@
 #include "ui/entry_field.h"
 #include "ui_pattern_dlg.h"
 
+#include <QLineEdit>
 #include <QPointer>
 
 namespace dorn {

@@ -7,6 +7,8 @@
 #include "ui/timer.h"
 
 #include <QPointer>
+#include <QPushButton>
+#include <QToolButton>
 
 #include <algorithm>
 #include <array>
