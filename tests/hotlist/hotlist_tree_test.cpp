@@ -33,17 +33,21 @@ TEST_F(HotlistTreeTest, ShowsAtOnceAndTakesThePictureOfWhatIsThere) {
     sandbox_.mkdir("branch/below");
     sandbox_.mkdir("leaf");
     sandbox_.write("plain");
-    const std::tuple<const char*, TreeImage, bool> rows[] = {
-        {"branch", TreeImage::ClosedFolder, true},
-        {"leaf", TreeImage::ClosedFolder, false},
-        {"plain", TreeImage::File, false},
-        {"none", TreeImage::InvalidFolder, false}};
-    for (const auto& [name, image, has_children] : rows) {
-        const QTreeWidgetItem* item = add(name);
-        EXPECT_EQ(image_of(item), TreeImage::ClosedFolder) << name;
-        wait_for([&] { return image_of(item) == image && expandable(item) == has_children; });
-        EXPECT_EQ(image_of(item), image) << name;
-        EXPECT_EQ(expandable(item), has_children) << name;
+    const struct {
+        const char* name;
+        TreeImage image;
+        bool has_children;
+    } rows[] = {{"branch", TreeImage::ClosedFolder, true},
+                {"leaf", TreeImage::ClosedFolder, false},
+                {"plain", TreeImage::File, false},
+                {"none", TreeImage::InvalidFolder, false}};
+    for (const auto& row : rows) {
+        const QTreeWidgetItem* item = add(row.name);
+        EXPECT_EQ(image_of(item), TreeImage::ClosedFolder) << row.name;
+        wait_for(
+            [&] { return image_of(item) == row.image && expandable(item) == row.has_children; });
+        EXPECT_EQ(image_of(item), row.image) << row.name;
+        EXPECT_EQ(expandable(item), row.has_children) << row.name;
     }
 }
 
