@@ -54,7 +54,7 @@ QPixmap drag_picture(const QWidget& source, const FileTransfer& transfer) {
     picture.setDevicePixelRatio(ratio);
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
-    const QPalette palette = source.palette();
+    const QPalette& palette = source.palette();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(palette.color(QPalette::Highlight));
     painter.setBrush(palette.color(QPalette::Base));
@@ -83,7 +83,7 @@ void fl_start_drag(QWidget* source) {
     std::shared_ptr<const FileTransfer> transfer = fl_pack_transf();
     if (!transfer || transfer->names.empty()) return;
     auto* drag = new QDrag(source);
-    drag->setMimeData(transfer_mime_data(transfer, false));
+    drag->setMimeData(transfer_mime_data(*transfer, false));
     drag->setPixmap(drag_picture(*source, *transfer));
     drag->setHotSpot(-kBesidePointer);
     sDragged = std::move(transfer);

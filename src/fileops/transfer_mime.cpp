@@ -26,8 +26,8 @@ TransferLists read_as(const QMimeData* data, const char* type) {
 
 }  // namespace
 
-QMimeData* transfer_mime_data(std::shared_ptr<const FileTransfer> transfer, bool cut) {
-    const TransferLists lists{cut, {*transfer}, 0, {}};
+QMimeData* transfer_mime_data(const FileTransfer& transfer, bool cut) {
+    const TransferLists lists{cut, {transfer}, 0, {}};
     return ui_offer_data(transfer_offer(std::make_shared<const TransferLists>(lists)));
 }
 

@@ -3,14 +3,12 @@
 
 #include "fileops/engine/transfer.h"
 
-#include <memory>
-
 class QMimeData;
 
 namespace dorn {
 
 /// Data that offers the list under every type, packed when asked for. The caller owns it.
-QMimeData* transfer_mime_data(std::shared_ptr<const FileTransfer> transfer, bool cut);
+QMimeData* transfer_mime_data(const FileTransfer& transfer, bool cut);
 
 /// Whether the data names a type that we read (its data may still turn out to be none).
 bool transfer_mime_offered(const QMimeData* data);

@@ -51,7 +51,7 @@ class Drop : public WindowTest {
         auto list = std::make_shared<FileTransfer>();
         list->directory = sandbox_.file(directory);
         list->names = {name};
-        data_.reset(transfer_mime_data(list, false));
+        data_.reset(transfer_mime_data(*list, false));
     }
     void foreign(const std::string& uris) {
         data_ = std::make_unique<QMimeData>();

@@ -131,7 +131,7 @@ TEST_F(DragTest, FilesDroppedOnAnItemMoveIntoItsDirectoryOrWithCtrlAreCopied) {
     for (const auto& row : rows) {
         sandbox_.write(row.name, row.name);
         list->names = {row.name};
-        data_.reset(transfer_mime_data(list, false));
+        data_.reset(transfer_mime_data(*list, false));
         enter();
         EXPECT_EQ(move(middle_of(row.target)), *row.arrives != '\0') << row.name;
         QDropEvent event(middle_of(row.target), Qt::CopyAction | Qt::MoveAction, data_.get(),
