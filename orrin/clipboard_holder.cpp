@@ -237,7 +237,7 @@ class Holder {
                                    nullptr));
         if (!reply || reply->format != 32) return false;
         const auto* words = static_cast<const uint32_t*>(xcb_get_property_value(reply.get()));
-        std::vector<uint32_t> pairs(words, words + reply->value_len / 2 * 2);
+        std::vector<uint32_t> pairs(words, words + std::size_t{reply->value_len} / 2 * 2);
         for (std::size_t i = 0; i < pairs.size(); i += 2) {
             if (pairs[i + 1] != XCB_ATOM_NONE && !put(request.requestor, pairs[i], pairs[i + 1]))
                 pairs[i + 1] = XCB_ATOM_NONE;

@@ -312,7 +312,7 @@ std::string transfer_pack(const TransferLists& transfer, const char* type) {
 }
 
 std::shared_ptr<const ClipboardOffer> transfer_offer(
-    std::shared_ptr<const TransferLists> transfer) {
+    const std::shared_ptr<const TransferLists>& transfer) {
     auto offer = std::make_shared<ClipboardOffer>();
     offer->types.assign(transfer_types().begin(), transfer_types().end());
     offer->has = [transfer](const char* type) { return transfer_packs(*transfer, type); };

@@ -60,7 +60,8 @@ std::string transfer_pack(const TransferLists& transfer, const char* type);
 bool transfer_packs(const TransferLists& transfer, const char* type);
 
 /// The offer of these lists, for the clipboard or a drag.
-std::shared_ptr<const ClipboardOffer> transfer_offer(std::shared_ptr<const TransferLists> transfer);
+std::shared_ptr<const ClipboardOffer> transfer_offer(
+    const std::shared_ptr<const TransferLists>& transfer);
 
 /// Reads `bytes` of one of the first kListTypes types; malformed bytes give no list. `kde_cut` is
 /// the data of kTypeKdeCut, which says of a kTypeUriList whether it was cut.
