@@ -161,10 +161,13 @@ void LongMenu::make_active(QAction* action) {
 
 void LongMenu::go_to(std::size_t index) {
     if (index >= length_) return;
-    if (index < top_)
-        scroll(-static_cast<long long>(top_ - index));
-    else if (index >= top_ + shown())
-        scroll(static_cast<long long>(index - top_ - shown() + 1));
+    const auto at = static_cast<long long>(index);
+    const auto first = static_cast<long long>(top_);
+    const auto end = static_cast<long long>(top_ + shown());
+    if (at < first)
+        scroll(at - first);
+    else if (at >= end)
+        scroll(at - end + 1);
     make_active(action_of(index));
 }
 

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int64_t kSecond = 1000000000;         // nanoseconds
 constexpr int64_t kRedrawEvery = kSecond / 10;  // nanoseconds
-constexpr int64_t kSeenEvery = 16 * 1000000;    // nanoseconds; a screen shows no more
+constexpr int64_t kSeenEvery = 16'000'000;      // nanoseconds; a screen shows no more
 constexpr useconds_t kPauseLook = 50000;        // microseconds between looks at `paused`
 constexpr double kShortest = 0.001;             // seconds from which a rate can be told
 constexpr std::size_t kShownPath = 60;          // bytes of a path in its line
