@@ -163,7 +163,7 @@ void LongMenu::go_to(std::size_t index) {
     if (index >= length_) return;
     const auto at = static_cast<long long>(index);
     const auto first = static_cast<long long>(top_);
-    const auto end = static_cast<long long>(top_ + shown());
+    const auto end = first + static_cast<long long>(shown());
     if (at < first)
         scroll(at - first);
     else if (at >= end)
