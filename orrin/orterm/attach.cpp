@@ -1,7 +1,7 @@
 #include "attach.h"
 
 #include "channel.h"
-#include "fd.h"
+#include "platform/fd.h"
 
 #include <array>
 #include <cerrno>

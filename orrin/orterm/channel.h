@@ -8,7 +8,7 @@
 // is the end of the connection.
 #pragma once
 
-#include "fd.h"
+#include "platform/fd.h"
 
 #include <string>
 

@@ -7,7 +7,7 @@
 // force, or with the pseudo-terminal closed, it takes the command with it.
 #pragma once
 
-#include "fd.h"
+#include "platform/fd.h"
 
 #include <string>
 #include <sys/types.h>

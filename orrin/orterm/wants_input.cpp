@@ -1,6 +1,6 @@
 #include "wants_input.h"
 
-#include "fd.h"
+#include "platform/fd.h"
 
 #include <algorithm>
 #include <array>

@@ -6,8 +6,8 @@
 #pragma once
 
 #include "emulator.h"
-#include "fd.h"
 #include "input_watch.h"
+#include "platform/fd.h"
 
 #include <string>
 #include <sys/types.h>

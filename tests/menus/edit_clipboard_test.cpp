@@ -39,12 +39,6 @@ class EditClipboard : public WindowTest {
         WindowTest::TearDown();
     }
 
-    static void select(const std::vector<std::string>& names) {
-        menus_run("em_unselect_all");
-        for (const std::string& name : names)
-            click(name, Qt::ControlModifier);
-    }
-
     // The names whose rows show them as cut.
     static std::string marked() {
         std::string names;

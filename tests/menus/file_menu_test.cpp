@@ -34,11 +34,6 @@ class FileMenuTest : public WindowTest {
         WindowTest::TearDown();
     }
 
-    static void select(const std::vector<std::string>& names) {
-        menus_run("em_unselect_all");
-        for (const std::string& name : names)
-            click(name, Qt::ControlModifier);
-    }
     /// What the program was started with, each run as one text.
     std::vector<std::string> started(const char* program = "show") const {
         FakePrograms::wait();

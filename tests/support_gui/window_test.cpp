@@ -7,6 +7,7 @@
 #include "filelist/list_view.h"
 #include "filelist/navigation.h"
 #include "filelist/pane.h"
+#include "filelist/selection.h"
 #include "ui/qt_widget.h"
 
 #include <QApplication>
@@ -105,6 +106,12 @@ void WindowTest::click(const std::string& name, Qt::KeyboardModifiers held, bool
     const QPoint at(30, area.center().y());
     QTest::mouseClick(gPane.view->viewport(), Qt::LeftButton, held, at);
     if (twice) QTest::mouseDClick(gPane.view->viewport(), Qt::LeftButton, held, at);
+}
+
+void WindowTest::select(const std::vector<std::string>& names) {
+    fl_unselect_all();
+    for (const std::string& name : names)
+        click(name, Qt::ControlModifier);
 }
 
 }  // namespace dorn

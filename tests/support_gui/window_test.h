@@ -9,6 +9,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace dorn {
 
@@ -35,6 +36,9 @@ class WindowTest : public ::testing::Test {
     /// Clicks on the row of an entry; a double click with `twice`.
     static void click(const std::string& name, Qt::KeyboardModifiers held = Qt::NoModifier,
                       bool twice = false);
+
+    /// Selects the entries of these names alone, as clicks with Ctrl do.
+    static void select(const std::vector<std::string>& names);
 
     /// What the alerts that `act` leads to say, as "title: text" and a line each; each is closed.
     static std::string alerts_of(const std::function<void()>& act);

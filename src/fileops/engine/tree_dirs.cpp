@@ -24,14 +24,6 @@ bool is_landmark(std::size_t levels) {
 
 }  // namespace
 
-Fd::~Fd() {
-    if (fd_ >= 0) ::close(fd_);
-}
-
-int Fd::close() {
-    return ::close(release());
-}
-
 Fd open_at(int directory, const char* name, int flags, mode_t mode) {
     int fd;
     do {

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "fileops/engine/file_op.h"
+#include "platform/fd.h"
 
 #include <array>
 #include <string>
@@ -15,34 +16,6 @@
 #include <utility>
 
 namespace dorn {
-
-/// A descriptor of its own; -1 for none.
-class Fd {
-  public:
-    Fd() = default;
-    explicit Fd(int fd) : fd_(fd) {}
-    Fd(Fd&& other) noexcept : fd_(other.release()) {}
-    Fd& operator=(Fd&& other) noexcept {
-        std::swap(fd_, other.fd_);
-        return *this;
-    }
-    ~Fd();
-
-    int get() const {
-        return fd_;
-    }
-    explicit operator bool() const {
-        return fd_ >= 0;
-    }
-    int release() {
-        return std::exchange(fd_, -1);
-    }
-    /// Closes it. 0, or -1 with errno set and the descriptor gone all the same.
-    int close();
-
-  private:
-    int fd_ = -1;
-};
 
 struct FileId {
     dev_t device;

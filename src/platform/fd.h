@@ -1,4 +1,5 @@
-// A descriptor that is closed with its owner.
+// A descriptor that is closed with its owner. A header alone, so that the adaptor programs, which
+// stand without dorn's libraries, use it too.
 #pragma once
 
 #include <unistd.h>
@@ -6,15 +7,16 @@
 
 namespace dorn {
 
+/// -1 stands for none.
 class Fd {
   public:
     Fd() = default;
     explicit Fd(int fd) : fd_(fd) {}
-    Fd(Fd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+    Fd(Fd&& other) noexcept : fd_(other.release()) {}
     Fd& operator=(Fd&& other) noexcept {
         if (this != &other) {
             reset();
-            fd_ = std::exchange(other.fd_, -1);
+            fd_ = other.release();
         }
         return *this;
     }
@@ -28,9 +30,15 @@ class Fd {
     explicit operator bool() const {
         return fd_ >= 0;
     }
+    int release() {
+        return std::exchange(fd_, -1);
+    }
     void reset() {
-        if (fd_ >= 0) close(fd_);
-        fd_ = -1;
+        if (fd_ >= 0) ::close(release());
+    }
+    /// Closes it. 0, or -1 with errno set and the descriptor gone all the same.
+    int close() {
+        return ::close(release());
     }
 
   private:
