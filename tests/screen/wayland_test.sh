@@ -8,6 +8,10 @@ home=$(mktemp -d) || exit 1
 XDG_RUNTIME_DIR=$home HOME=$home
 export XDG_RUNTIME_DIR HOME
 unset DISPLAY DBUS_SESSION_BUS_ADDRESS
+# The toolkit's plugin is unloaded before leaks are looked for, so that what it keeps has no name
+# left that a suppression could match; dorn's own leaks are looked for under X11.
+ASAN_OPTIONS=detect_leaks=0
+export ASAN_OPTIONS
 mkdir -p "$home/.or/dorn" "$home/files"
 weston --backend=headless-backend.so --socket=test --idle-time=0 >"$home/log" 2>&1 &
 compositor=$!
