@@ -25,17 +25,21 @@ std::string quick_directory() {
     return access(memory, W_OK) == 0 ? memory : fs::temp_directory_path().string();
 }
 
-bool holds(const Tree& tree, const std::string& name, const std::string& text) {
-    const auto found = tree.find(name);
-    return found != tree.end() && found->second == text;
+// Whether it is one of the names or lies below one.
+bool is_below(const std::string& name, const std::vector<std::string>& names) {
+    return std::any_of(names.begin(), names.end(), [&](const std::string& one) {
+        return name == one || name.rfind(one + "/", 0) == 0;
+    });
 }
 
 }  // namespace
 
-LosslessTest::LosslessTest()
-    : sandbox_(quick_directory()), names_{"a", "dir", "empty", "fifo", "link"} {
-    flags_ = kFopLinksAsLinks | kFopDeleteAll;
+bool holds(const Tree& tree, const std::string& name, const std::string& what) {
+    const auto found = tree.find(name);
+    return found != tree.end() && found->second == what;
 }
+
+LosslessTest::LosslessTest() : sandbox_(quick_directory()) {}
 
 void LosslessTest::make_trees() {
     for (const char* tree : {"from", "to", "else"}) {
@@ -62,20 +66,19 @@ void LosslessTest::make_trees() {
 }
 
 Request LosslessTest::request(int32_t kind) const {
-    const bool is_delete = kind == kFopDelete;
-    return {kind, sandbox_.file("from"), names_, is_delete ? "" : sandbox_.file("to"), flags_};
+    return {kind, from(), names_, kind == kFopDelete ? "" : to(), kFopLinksAsLinks | kFopDeleteAll};
 }
 
 void LosslessTest::run(int32_t kind, std::vector<Fault> faults, const Labels& answers,
                        const Labels& unlike) {
-    before_ = tree_of(sandbox_.file("from"));
+    const Tree before = tree_of(from());
     headless::reset();
     headless::on_alert([&](const headless::Alert& alert) {
         for (const std::string& label : answers)
             if (const int button = button_of(alert.buttons, label); button != 0)
                 return headless::answer({button});
     });
-    const int open_before = open_descriptors();
+    const auto open_before = open_descriptors();
     {
         const Faults holding(std::move(faults));
         EXPECT_GE(run_operation(request(kind)), 0);
@@ -85,30 +88,21 @@ void LosslessTest::run(int32_t kind, std::vector<Fault> faults, const Labels& an
     for (const headless::Alert& alert : headless::alerts())
         asked_.push_back(alert.message);
     EXPECT_EQ(open_descriptors(), open_before);
-    check(kind, unlike);
+    from_ = tree_of(from());
+    to_ = tree_of(to());
+    check(kind, before, unlike);
 }
 
-void LosslessTest::check(int32_t kind, const Labels& unlike) const {
-    const Tree source = tree_of(sandbox_.file("from"));
-    const Tree target = tree_of(sandbox_.file("to"));
-    const auto is_unlike = [&](const std::string& name) {
-        return std::any_of(unlike.begin(), unlike.end(), [&](const std::string& one) {
-            return name == one || name.rfind(one + "/", 0) == 0;
-        });
-    };
-    for (const auto& [name, text] : before_) {
-        if (is_unlike(name) || holds(source, name, text)) continue;
-        const bool chosen =
-            std::any_of(names_.begin(), names_.end(), [&name = name](const std::string& one) {
-                return name == one || name.rfind(one + "/", 0) == 0;
-            });
-        const bool moved = kind == kFopMove && holds(target, name, text);
-        EXPECT_TRUE(chosen && (moved || kind == kFopDelete)) << name << " is lost";
+void LosslessTest::check(int32_t kind, const Tree& before, const Labels& unlike) const {
+    for (const auto& [name, what] : before) {
+        if (is_below(name, unlike) || holds(from_, name, what)) continue;
+        const bool moved = kind == kFopMove && holds(to_, name, what);
+        EXPECT_TRUE(is_below(name, names_) && (moved || kind == kFopDelete)) << name << " is lost";
     }
-    for (const auto& [name, text] : target) {
-        EXPECT_TRUE(is_unlike(name) || holds(before_, name, text))
-            << name << " is not whole: " << text.size() << " bytes";
-        EXPECT_NE(text, "fsomebody's") << name << " is from elsewhere";
+    for (const auto& [name, what] : to_) {
+        EXPECT_TRUE(is_below(name, unlike) || holds(before, name, what))
+            << name << " is not whole: " << what.size() << " bytes";
+        EXPECT_NE(what, "fsomebody's") << name << " is from elsewhere";
     }
     EXPECT_EQ(tree_of(sandbox_.file("else")), (Tree{{"kept", "fsomebody's"}}));
 }

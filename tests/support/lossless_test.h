@@ -7,12 +7,17 @@
 #include "support/operation.h"
 #include "support/sandbox.h"
 
-#include <functional>
+#include <cerrno>
 #include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 namespace dorn {
+
+/// Has a move copy and delete.
+inline const std::vector<Fault> kOtherFileSystem = {
+    {"rename", 0, EXDEV}, {"renameat", 0, EXDEV}, {"renameat2", 0, EXDEV}};
+
+/// Whether that is in the tree under the name.
+bool holds(const Tree& tree, const std::string& name, const std::string& what);
 
 /// A tree "from", an empty directory "to" and a tree "else" that links of the first lead to.
 class LosslessTest : public testing::Test {
@@ -33,22 +38,22 @@ class LosslessTest : public testing::Test {
     /// The operation itself; flags are those of "Copy/Move Symlink(s)".
     Request request(int32_t kind) const;
 
-    std::string from(const std::string& name) const {
-        return sandbox_.file("from/" + name);
+    std::string from(const std::string& name = {}) const {
+        return sandbox_.file(name.empty() ? "from" : "from/" + name);
     }
-    std::string to(const std::string& name) const {
-        return sandbox_.file("to/" + name);
+    std::string to(const std::string& name = {}) const {
+        return sandbox_.file(name.empty() ? "to" : "to/" + name);
     }
 
     Sandbox sandbox_;
-    Labels names_;    // chosen in "from"
-    uint32_t flags_;  // of the request
-    Tree before_;     // "from" at the start
-    int calls_ = 0;   // wrapped calls that the last run made
-    Labels asked_;    // messages of the last run's questions
+    Labels names_ = {"a", "dir", "empty", "fifo", "link"};  // chosen in "from"
+    Tree from_;                                             // both directories after the last run
+    Tree to_;
+    int calls_ = 0;  // wrapped calls that it made
+    Labels asked_;   // messages of its questions
 
   private:
-    void check(int32_t kind, const Labels& unlike) const;
+    void check(int32_t kind, const Tree& before, const Labels& unlike) const;
 };
 
 }  // namespace dorn

@@ -1,14 +1,13 @@
 #include "support/operation.h"
 
 #include "config/config.h"
+#include "support/sandbox.h"
 #include "ui/widget.h"
 
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <mutex>
+#include <sstream>
 #include <thread>
 #include <unistd.h>
 
@@ -19,24 +18,14 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-std::mutex sMutex;
-std::condition_variable sEnded;
-FileOp* sRunning = nullptr;
-pid_t sThread = 0;  // of the operation that has ended
+std::atomic<FileOp*> sRunning = nullptr;
+std::atomic<pid_t> sThread = 0;  // of the operation that has ended
 Clock::time_point sEnd;
 
 void note_end(Widget*) {
-    const std::lock_guard lock(sMutex);
-    sRunning = nullptr;
-    sThread = gettid();
     sEnd = Clock::now();
-    sEnded.notify_all();
-}
-
-std::string content(const fs::path& file) {
-    std::string bytes(fs::file_size(file), '\0');
-    std::ifstream(file, std::ios::binary).read(bytes.data(), static_cast<long>(bytes.size()));
-    return bytes;
+    sThread = gettid();
+    sThread.notify_all();
 }
 
 std::string entry_text(const fs::directory_entry& entry) {
@@ -48,7 +37,7 @@ std::string entry_text(const fs::directory_entry& entry) {
         case fs::file_type::symlink:
             return "l" + fs::read_symlink(entry.path()).native();
         case fs::file_type::regular:
-            return "f" + content(entry.path());
+            return "f" + read_file(entry.path());
         default:
             return "?";
     }
@@ -64,13 +53,14 @@ double run_operation(const Request& request) {
     SlotDisplay display;
     display.panel = w_instance("slot");
     display.from_widget = w_instance("slot_from_text");
-    std::unique_lock lock(sMutex);
     sThread = 0;
     const Clock::time_point begin = Clock::now();
     sRunning = fop(request.kind, request.directory.c_str(), request.names,
                    request.destination.c_str(), request.flags, &display, request.on_item_done);
     if (sRunning == nullptr) return -1;
-    sEnded.wait(lock, [] { return sThread != 0; });
+    sRunning.notify_all();
+    sThread.wait(0);
+    sRunning = nullptr;
     const fs::path thread = "/proc/self/task/" + std::to_string(sThread);
     while (fs::exists(thread))
         std::this_thread::yield();
@@ -78,7 +68,7 @@ double run_operation(const Request& request) {
 }
 
 FileOp* running_operation() {
-    const std::lock_guard lock(sMutex);
+    sRunning.wait(nullptr);
     return sRunning;
 }
 
@@ -91,22 +81,17 @@ Tree tree_of(const std::string& directory) {
 }
 
 int button_of(const std::string& buttons, const std::string& label) {
+    std::istringstream stream(buttons);
     int number = 1;
-    std::string text;
-    for (const char c : buttons + "|") {
-        if (c == '|') {
-            if (text == label) return number;
-            ++number;
-            text.clear();
-        } else if (c != '@' && c != '#' && c != '&') {
-            text += c;
-        }
+    for (std::string text; std::getline(stream, text, '|'); ++number) {
+        std::erase_if(text, [](char c) { return c == '@' || c == '#' || c == '&'; });
+        if (text == label) return number;
     }
     return 0;
 }
 
-int open_descriptors() {
-    return static_cast<int>(std::distance(fs::directory_iterator("/proc/self/fd"), {}));
+long open_descriptors() {
+    return std::distance(fs::directory_iterator("/proc/self/fd"), {});
 }
 
 }  // namespace dorn

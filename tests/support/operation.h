@@ -27,7 +27,7 @@ struct Request {
 double run_operation(const Request& request);
 
 /// The running operation's record, for what happens in the middle of it: on the worker's thread or
-/// while that waits. Null before and after.
+/// while that waits.
 FileOp* running_operation();
 
 /// Below a directory: relative path, and what is there: "d", "p", "l" and the target, "f" and the
@@ -39,6 +39,6 @@ Tree tree_of(const std::string& directory);
 int button_of(const std::string& buttons, const std::string& label);
 
 /// Descriptors that this process has open.
-int open_descriptors();
+long open_descriptors();
 
 }  // namespace dorn

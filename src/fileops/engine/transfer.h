@@ -41,7 +41,7 @@ struct TransferLists {
     bool cut = false;
     std::vector<FileTransfer> lists;
     int foreign = 0;  // entries left out: no local files ("sftp:", ...), or without a name ("/")
-    std::vector<std::string> left_out;  // beginnings of the first few of these, for people to read
+    std::vector<std::string> left_out = {};  // how the first few of these begin, for people
 };
 
 inline constexpr std::size_t kLeftOutNamed = 5;    // entries that left_out holds at most
