@@ -168,6 +168,17 @@ TEST_P(NothingLostTest, WhateverBecomesOfTheDestinationMeanwhile) {
         at_every_call({"*", 0, 0, "", change}, {"Continue"}, {"dir"}, 2);
 }
 
+TEST_P(NothingLostTest, WhatAppearsAtTheDestinationMeanwhileIsNotOverwrittenUnasked) {
+    for (const std::string name : {"a", "dir/big"}) {
+        const auto appear = [&] {
+            if (fs::exists(to(name)) || !fs::exists(fs::path(to(name)).parent_path())) return;
+            sandbox_.write("to/" + name, "newer");
+            put_ = "fnewer";
+        };
+        at_every_call({"*", 0, 0, "", appear}, {"Skip"}, {name}, 2);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(EveryWay, NothingLostTest, testing::Range(0, 4));
 
 class FailingBlockTest : public LosslessTest {};

@@ -86,6 +86,12 @@ TEST_P(OddTreesTest, NoDirectoryIsLeftOpenThatGetsNoContent) {
     }
 }
 
+TEST_P(OddTreesTest, OfADirectoryWhoseListingBreaksOffNothingIsRemoved) {
+    run(GetParam(), copying_with({"getdents64", 2, EIO, "dir"}), {"Continue"});
+    EXPECT_EQ(asked_.size(), 1U);
+    EXPECT_EQ(from_.count("dir/big"), 1U);
+}
+
 TEST_P(OddTreesTest, SocketsAndDevicesStayWithoutAWord) {
     EXPECT_EQ(mknod(from("socket").c_str(), S_IFSOCK | 0600, 0), 0);
     EXPECT_EQ(mknod(from("dir/socket").c_str(), S_IFSOCK | 0600, 0), 0);
@@ -201,6 +207,11 @@ TEST_P(OddTreesTest, ASparseFileOfFiveGigabytesStaysSparse) {
     sandbox_.write("from/sparse", "head");
     truncate(from("sparse").c_str(), kSize);
     names_ = {"sparse"};
+    {
+        const Faults failing(copying_with({"ftruncate", 1, EFBIG}));
+        run_operation(request(GetParam()));
+    }
+    EXPECT_TRUE(fs::exists(from("sparse")) && !fs::exists(to("sparse")));
     EXPECT_EQ(run_asking(request(GetParam())), "");
     struct stat status {};
     ASSERT_EQ(stat(to("sparse").c_str(), &status), 0);

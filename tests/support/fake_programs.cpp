@@ -9,24 +9,12 @@
 
 namespace dorn {
 
-namespace {
-
-std::vector<std::string> split_at_nul(const std::string& text) {
-    std::istringstream stream(text);
-    std::vector<std::string> parts;
-    for (std::string part; std::getline(stream, part, '\0');)
-        parts.push_back(part);
-    return parts;
-}
-
-}  // namespace
-
 FakePrograms::FakePrograms() : path_before_(std::getenv("PATH")) {
     // What detaches itself is then waited for, too.
     prctl(PR_SET_CHILD_SUBREAPER, 1);
     sandbox_.mkdir("bin");
     sandbox_.mkdir("runs");
-    setenv("PATH", (folder() + ":" + path_before_).c_str(), 1);
+    setenv("PATH", (sandbox_.file("bin") + ":" + path_before_).c_str(), 1);
     add("orterm", "case $1 in -*) shift ;; esac\nexec \"$@\"");
 }
 
@@ -50,15 +38,14 @@ FakePrograms::Runs FakePrograms::runs(const std::string& name) const {
     Runs found;
     for (const auto& file : std::filesystem::directory_iterator(sandbox_.file("runs"))) {
         if (file.path().stem() != name) continue;
-        found.push_back(split_at_nul(read_file(file.path())));
+        std::istringstream stream(read_file(file.path()));
+        found.emplace_back();
+        for (std::string argument; std::getline(stream, argument, '\0');)
+            found.back().push_back(argument);
         std::filesystem::remove(file.path());
     }
     std::sort(found.begin(), found.end());
     return found;
-}
-
-std::string FakePrograms::folder() const {
-    return sandbox_.file("bin");
 }
 
 }  // namespace dorn

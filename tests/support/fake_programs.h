@@ -33,9 +33,6 @@ class FakePrograms {
     /// The arguments of every run of that program since the last call, byte for byte, sorted.
     Runs runs(const std::string& name) const;
 
-    /// Where the programs lie.
-    std::string folder() const;
-
   private:
     Sandbox sandbox_;
     std::string path_before_;

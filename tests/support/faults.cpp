@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <map>
 #include <mutex>
-#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -41,8 +40,7 @@ std::string subject(int fd) {
 
 template <typename Subject>
 bool is_for(const Fault& fault, const char* call, Subject what) {
-    const std::string_view asked = fault.call;
-    const bool is_other = asked.starts_with('!') && asked.substr(1) != call;
+    const bool is_other = fault.call[0] == '!' && fault.call.substr(1) != call;
     if (fault.call != "*" && fault.call != call && !is_other) return false;
     return fault.name.empty() || fault.name == subject(what);
 }
@@ -147,7 +145,6 @@ DORN_WRAP(int, fsync, (int fd), (fd), fd)
 DORN_WRAP(int, ftruncate, (int fd, off_t length), (fd, length), fd)
 DORN_WRAP(int, futimens, (int fd, const timespec* times), (fd, times), fd)
 DORN_WRAP(off_t, lseek, (int fd, off_t offset, int whence), (fd, offset, whence), fd)
-DORN_WRAP(int, lstat, (const char* path, struct stat* status), (path, status), path)
 DORN_WRAP(int, mkdirat, (int at, const char* path, mode_t mode), (at, path, mode), path)
 DORN_WRAP(int, mkfifoat, (int at, const char* path, mode_t mode), (at, path, mode), path)
 DORN_WRAP(ssize_t, readlinkat, (int at, const char* path, char* text, size_t size),
@@ -197,8 +194,7 @@ int __wrap_close(int fd) {
     ssize_t __real_##name(int fd, pointer data, size_t length);                            \
     ssize_t __wrap_##name(int fd, pointer data, size_t length) {                           \
         const int error = dorn::fault_of(#name, fd);                                       \
-        if (error > 0) errno = error;                                                      \
-        if (error > 0) return -1;                                                          \
+        if (error > 0) return (errno = error, -1);                                         \
         return __real_##name(fd, data, error == dorn::kShort ? (length + 1) / 2 : length); \
     }
 DORN_WRAP_TRANSFER(write, const void*)

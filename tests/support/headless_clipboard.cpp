@@ -15,7 +15,7 @@ void set_content(std::shared_ptr<const ClipboardOffer> own, ClipboardItems items
     sContent.own = std::move(own);
     sContent.known = known;
     if (known) sContent.made = sMake_f(sItems);
-    if (sContent.known && sChanged_f != nullptr) sChanged_f();
+    if (known && sChanged_f != nullptr) sChanged_f();
 }
 
 }  // namespace

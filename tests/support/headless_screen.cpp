@@ -9,16 +9,17 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <sstream>
 
 namespace dorn {
 
 struct Widget {
     std::vector<std::string> texts;
-    bool blocked = false;
 };
 
 namespace {
@@ -29,8 +30,6 @@ struct Screen {
     std::deque<int> answers;
     std::function<void(const headless::Alert&)> alert_hook;
     std::function<void()> background;
-    int background_calls = 0;
-    int redraws = 0;
 };
 
 // Workers come here, too: the record is touched under this mutex alone.
@@ -42,39 +41,21 @@ Screen& screen() {
 }
 
 [[gnu::format(printf, 1, 0)]] std::string format_text(const char* format, va_list arguments) {
-    va_list again;
-    va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, again);
-    va_end(again);
-    std::string text(static_cast<std::size_t>(length), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, arguments);
-    return text;
+    char* made = nullptr;
+    if (vasprintf(&made, format, arguments) < 0) std::abort();
+    const std::unique_ptr<char, decltype(&std::free)> text(made, std::free);
+    return text.get();
 }
 
+// The button whose marks hold a "#", else the last one.
 int escape_button(const std::string& buttons) {
-    int button = 1;
-    bool marks = true;
-    for (const char c : buttons) {
-        if (c == '|') {
-            ++button;
-            marks = true;
-        } else if (marks && c == '#') {
-            return button;
-        } else if (c != '@') {
-            marks = false;
-        }
+    std::istringstream stream(buttons);
+    int number = 0;
+    for (std::string text; std::getline(stream, text, '|');) {
+        ++number;
+        if (text.substr(0, text.find_first_not_of("@#")).find('#') != text.npos) return number;
     }
-    return button;
-}
-
-// Records the alert and takes its answer from the script.
-int record_alert(const headless::Alert& alert) {
-    const std::lock_guard lock(sMutex);
-    screen().alerts.push_back(alert);
-    if (screen().answers.empty()) return escape_button(alert.buttons);
-    const int button = screen().answers.front();
-    screen().answers.pop_front();
-    return button;
+    return number;
 }
 
 // The gate: works run on the calling thread, one at a time.
@@ -89,10 +70,10 @@ void reset() {
     screen() = Screen{};
 }
 
-std::vector<std::string> texts(const std::string& instance) {
+std::vector<std::string> texts(const char* instance) {
+    const Widget* widget = w_instance(instance);
     const std::lock_guard lock(sMutex);
-    const auto found = screen().widgets.find(instance);
-    return found == screen().widgets.end() ? std::vector<std::string>{} : found->second->texts;
+    return widget->texts;
 }
 
 std::vector<Alert> alerts() {
@@ -110,27 +91,9 @@ void on_alert(std::function<void(const Alert&)> hook) {
     screen().alert_hook = std::move(hook);
 }
 
-int redraws() {
-    const std::lock_guard lock(sMutex);
-    return screen().redraws;
-}
-
-GateHeld::GateHeld() {
-    sGate.lock();
-}
-
-GateHeld::~GateHeld() {
-    sGate.unlock();
-}
-
 void on_background(std::function<void()> hook) {
     const std::lock_guard lock(sMutex);
     screen().background = std::move(hook);
-}
-
-int background_calls() {
-    const std::lock_guard lock(sMutex);
-    return screen().background_calls;
 }
 
 }  // namespace headless
@@ -144,13 +107,17 @@ Widget* w_instance(const char* name) {
 
 int ui_alert(Widget*, const char* title, const char* message, const char* buttons) {
     const headless::Alert alert{title, message, buttons};
-    std::function<void(const headless::Alert&)> hook;
-    {
-        const std::lock_guard lock(sMutex);
-        hook = screen().alert_hook;
+    std::unique_lock lock(sMutex);
+    if (const auto hook = screen().alert_hook) {
+        lock.unlock();
+        hook(alert);
+        lock.lock();
     }
-    if (hook) hook(alert);
-    return record_alert(alert);
+    screen().alerts.push_back(alert);
+    if (screen().answers.empty()) return escape_button(alert.buttons);
+    const int button = screen().answers.front();
+    screen().answers.pop_front();
+    return button;
 }
 
 int wreport(Widget* parent, const char* title, const char* format, ...) {
@@ -178,19 +145,10 @@ void wpercent(Widget* widget, int percent) {
     wprintf(widget, "%d", percent);
 }
 
-void wblock(Widget* widget, int on) {
-    if (widget != nullptr) widget->blocked = on == 1;
-}
-
-bool ui_is_blocked(const Widget* widget) {
-    return widget != nullptr && widget->blocked;
-}
-
 void ui_background() {
     std::function<void()> hook;
     {
         const std::lock_guard lock(sMutex);
-        ++screen().background_calls;
         hook = screen().background;
     }
     if (hook) hook();
@@ -225,8 +183,6 @@ bool ui_try_locked(const GateTicket& ticket, std::function<void()> work) {
     const std::unique_lock held(sGate, std::try_to_lock);
     if (!held || ticket.state()->closed) return false;
     work();
-    const std::lock_guard lock(sMutex);
-    ++screen().redraws;
     return true;
 }
 
@@ -235,8 +191,6 @@ void ui_handed(const std::function<void()>& work) {
     const std::lock_guard held(lane);
     work();
 }
-
-void ui_serve_gate() {}
 
 struct Timer::Host {};
 Timer::Timer() = default;

@@ -22,7 +22,7 @@ struct Alert {
 void reset();
 
 /// The texts put into the widget of that instance name, oldest first.
-std::vector<std::string> texts(const std::string& instance);
+std::vector<std::string> texts(const char* instance);
 
 /// The alerts shown, oldest first.
 std::vector<Alert> alerts();
@@ -35,21 +35,7 @@ void answer(std::vector<int> buttons);
 /// disk while a question is open. It may script the answer.
 void on_alert(std::function<void(const Alert&)> hook);
 
-/// How many redraws (ui_try_locked) have been run.
-int redraws();
-
-/// Holds the gate while it lives, as an open question does: redraws of other threads are turned
-/// away, their questions wait.
-class GateHeld {
-  public:
-    GateHeld();
-    ~GateHeld();
-    GateHeld(const GateHeld&) = delete;
-    GateHeld& operator=(const GateHeld&) = delete;
-};
-
-/// Called whenever the engine serves the event loop; how often that was.
+/// Called whenever the engine serves the event loop.
 void on_background(std::function<void()> hook);
-int background_calls();
 
 }  // namespace dorn::headless
