@@ -7,6 +7,7 @@
 #include "app/show_request.h"
 #include "platform/signals.h"
 #include "platform/usage.h"
+#include "ui/desktop_style.h"
 #include "ui/dialogs.h"
 #include "ui/qt_widget.h"
 
@@ -14,7 +15,6 @@
 #include <QLocale>
 #include <QMainWindow>
 #include <QSocketNotifier>
-#include <QStyle>
 #include <QTimer>
 #include <QWindow>
 
@@ -55,11 +55,6 @@ void choose_server(const std::string& server) {
 void keep_formats() {
     std::setlocale(LC_NUMERIC, "C");
     std::setlocale(LC_TIME, "C");
-}
-
-void look_after_style() {
-    if (QApplication::style()->name() == QLatin1String("windows"))
-        QApplication::setStyle(QStringLiteral("fusion"));
 }
 
 void apply_options(QMainWindow* base, const WindowOptions& options) {
@@ -132,7 +127,7 @@ int dorn_run(int argc, char** argv, void (*ready)()) {
     ui_set_alert_grace(kAlertGraceMs);
     keep_formats();
     QGuiApplication::setLayoutDirection(QLocale::system().textDirection());
-    look_after_style();
+    ui_setup_style();
 
     init(argc, argv);
     std::unique_ptr<QSocketNotifier> notifier;

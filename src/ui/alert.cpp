@@ -75,6 +75,11 @@ QPlainTextEdit* message_view(const QString& text, QWidget* parent) {
     view->setAccessibleName(QStringLiteral("Message"));
     view->setReadOnly(true);
     view->setFrameShape(QFrame::NoFrame);
+    // On the side where the layout begins, in the text's own direction.
+    QTextOption option = view->document()->defaultTextOption();
+    option.setAlignment(QStyle::visualAlignment(view->layoutDirection(), Qt::AlignLeft));
+    option.setTextDirection(Qt::LayoutDirectionAuto);
+    view->document()->setDefaultTextOption(option);
     view->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     view->viewport()->setAutoFillBackground(false);
