@@ -2,9 +2,8 @@
 
 #include "config/config.h"
 #include "config/history.h"
-#include "dialog_fixture.h"
 #include "dirmodel/name_translation.h"
-#include "filelist/selection.h"
+#include "support_gui/window_test.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -12,21 +11,12 @@
 namespace dorn {
 namespace {
 
-class PatternTest : public DialogTest {
+class PatternTest : public WindowTest {
   protected:
-    void SetUp() override {
-        DialogTest::SetUp();
-        *gPatternList = HistoryList{};
-        for (const char* name : {"a.c", "b.c", "c.h", "\xE9.c"})
-            sandbox_.write(name);
-        sandbox_.mkdir("d.c");
-        show_sandbox();
-    }
-    static QComboBox* field() {
-        return qt_instance<QComboBox>("ppattern");
-    }
-    static void finish(const char* pattern, bool include) {
-        field()->setEditText(QString::fromUtf8(pattern));
+    static void finish(const char* pattern, bool include = false) {
+        EXPECT_TRUE(gets_focus("ppattern"));
+        EXPECT_FALSE(qt_instance<QCheckBox>("pinclude")->isChecked());
+        enter("ppattern", pattern);
         qt_instance<QCheckBox>("pinclude")->setChecked(include);
         push("pattern_ok");
         EXPECT_TRUE(gets_focus("filelist"));
@@ -34,54 +24,38 @@ class PatternTest : public DialogTest {
 };
 
 TEST_F(PatternTest, SelectsAndUnselectsWhatMatches) {
-    struct Row {
-        bool select;
-        const char* pattern;
-        bool include;
-        const char* selected;
+    for (const char* name : {"a.c", "b.c", "c.h", "\xE9.c"})
+        sandbox_.write(name);
+    sandbox_.mkdir("d.c");
+    fname_set_translation(kEncodingAlternate, "ISO-8859-1");
+    show_sandbox();
+    const std::tuple<int (*)(), const char*, bool, const char*> rows[] = {
+        {em_select_pattern, "*.c", false, "a.c b.c \xE9.c"},
+        {em_select_pattern, "*.c|c.?\n", true, "a.c b.c c.h d.c \xE9.c"},
+        {em_unselect_pattern, "[ab].*", false, "c.h d.c \xE9.c"},
+        {em_unselect_pattern, "", true, "c.h d.c \xE9.c"},
+        {em_unselect_pattern, "*.c", false, "c.h d.c"},
+        {em_select_pattern, "\u00E9*", false, "\xE9.c"},
+        {em_select_pattern, "\u20AC*", true, ""},
     };
-    const Row rows[] = {
-        {true, "*.c", false, "a.c b.c \xE9.c"},
-        {true, "*.c|c.?\n", true, "a.c b.c c.h d.c \xE9.c"},
-        {false, "[ab].*", false, "c.h d.c \xE9.c"},
-        {false, "", true, "c.h d.c \xE9.c"},
-        {false, "*.c", false, "c.h d.c"},
-        {true, "..", true, ""},
-    };
-    for (const Row& row : rows) {
-        row.select ? em_select_pattern() : em_unselect_pattern();
-        EXPECT_TRUE(gets_focus("ppattern"));
-        EXPECT_FALSE(qt_instance<QCheckBox>("pinclude")->isChecked());
-        finish(row.pattern, row.include);
-        EXPECT_EQ(selected(), row.selected) << row.pattern;
+    for (const auto& [open, pattern, include, names] : rows) {
+        open();
+        finish(pattern, include);
+        EXPECT_EQ(selected(), names) << pattern;
     }
-    fl_unselect_all();
     em_unselect_pattern();
     EXPECT_FALSE(is_open("pattern_dlg"));
 }
 
 TEST_F(PatternTest, TheHistoryIsOfferedAndItsNewestTakenWhenItHoldsSeveral) {
-    em_select_pattern();
-    finish("one", false);
-    em_select_pattern();
-    EXPECT_EQ(field()->currentText(), QString());
-    finish("two", false);
-    em_select_pattern();
-    EXPECT_EQ(field()->currentText(), QStringLiteral("two"));
-    EXPECT_EQ(field()->itemText(1), QStringLiteral("one"));
-    finish(" ", false);
+    *gPatternList = HistoryList{};
+    const std::pair<const char*, const char*> rows[] = {{"", "one"}, {"", "two"}, {"two", " "}};
+    for (const auto& [offered, typed] : rows) {
+        em_select_pattern();
+        EXPECT_EQ(text_of("ppattern"), offered);
+        finish(typed);
+    }
     EXPECT_EQ(gPatternList->count, 2);
-}
-
-TEST_F(PatternTest, APatternIsTakenIntoTheEncodingOfTheNames) {
-    fname_set_translation(kEncodingAlternate, "ISO-8859-1");
-    em_select_pattern();
-    finish("\u00E9*", false);
-    EXPECT_EQ(selected(), "\xE9.c");
-    em_select_pattern();
-    finish("\u20AC*", false);
-    EXPECT_EQ(selected(), "");
-    fname_set_translation(0, nullptr);
 }
 
 }  // namespace

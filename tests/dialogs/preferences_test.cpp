@@ -1,14 +1,15 @@
 #include "dialogs/preferences.h"
 
 #include "config/config.h"
-#include "dialog_fixture.h"
-#include "dirmodel/name_translation.h"
-#include "filelist/filelist.h"
 #include "hotlist/hotlist_tree.h"
+#include "support_gui/window_test.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
 #include <QFontDialog>
+#include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <cstring>
@@ -16,24 +17,21 @@
 namespace dorn {
 namespace {
 
-class PreferencesTest : public DialogTest {
+class PreferencesTest : public WindowTest {
   protected:
     void TearDown() override {
-        fname_set_translation(0, nullptr);
         gOptions |= kOptionDotEntries;
         qt(w_instance("filelist"))->setFont(ui_font("TextFont08"));
-        DialogTest::TearDown();
+        WindowTest::TearDown();
     }
-    static QAbstractButton* toggle(const char* name) {
-        return qt_instance<QAbstractButton>(name);
-    }
-    static QComboBox* charsets() {
-        return qt_instance<QComboBox>("cenc");
+    static void click_on(std::initializer_list<const char*> toggles) {
+        for (const char* toggle : toggles)
+            qt_instance<QAbstractButton>(toggle)->click();
     }
     // Chooses in the font dialog that the button opens.
     static void choose_font(const char* button, const QFont& font, bool accept) {
         QTimer timer;
-        QObject::connect(&timer, &QTimer::timeout, [&] {
+        timer.callOnTimeout([&] {
             auto* fonts = qobject_cast<QFontDialog*>(QApplication::activeModalWidget());
             if (fonts == nullptr) return;
             fonts->setCurrentFont(font);
@@ -45,12 +43,7 @@ class PreferencesTest : public DialogTest {
 };
 
 TEST_F(PreferencesTest, EachChoiceSetsItsBitAloneAndIsShownAgain) {
-    struct Row {
-        const char* toggle;
-        uint32_t group;
-        uint32_t bit;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, uint32_t, uint32_t> rows[] = {
         {"overwrite", 0x2, 0x2},
         {"overwrite_prompt", 0x2, 0},
         {"sym_symlinks", 0xE0, 0x40},
@@ -70,15 +63,14 @@ TEST_F(PreferencesTest, EachChoiceSetsItsBitAloneAndIsShownAgain) {
         {"change_owner_dialog_assume_ignore", 0x8000, 0x8000},
         {"change_owner_error_show_always", 0x8000, 0},
     };
-    for (const Row& row : rows) {
+    for (const auto& [toggle, group, bit] : rows) {
         const uint32_t before = gConfig->flags;
         em_edit_preferences();
-        toggle(row.toggle)->click();
+        click_on({toggle});
         push("capply");
-        EXPECT_FALSE(is_open("config_dlg"));
-        EXPECT_EQ(gConfig->flags, (before & ~row.group) | row.bit) << row.toggle;
+        EXPECT_EQ(gConfig->flags, (before & ~group) | bit) << toggle;
         em_edit_preferences();
-        EXPECT_TRUE(toggle(row.toggle)->isChecked()) << row.toggle;
+        EXPECT_TRUE(qt_instance<QAbstractButton>(toggle)->isChecked()) << toggle;
         push("ccancel");
     }
     gConfig->flags = 0;
@@ -88,11 +80,10 @@ TEST_F(PreferencesTest, EachChoiceSetsItsBitAloneAndIsShownAgain) {
 }
 
 TEST_F(PreferencesTest, WhatIsChosenWorksAtOnce) {
-    sandbox_.write("a");
-    sandbox_.mkdir("b");
-    sandbox_.mkdir("b/\xE8");
-    sandbox_.write(".dot");
-    sandbox_.write("\xE9");
+    for (const char* name : {"b", "b/\xE8"})
+        sandbox_.mkdir(name);
+    for (const char* name : {"a", ".dot", "\xE9"})
+        sandbox_.write(name);
     gConfig->flags |= kHideDotFiles;
     gConfig->dirs_first = 0;
     show_sandbox();
@@ -100,89 +91,57 @@ TEST_F(PreferencesTest, WhatIsChosenWorksAtOnce) {
     tree_add(&gTree, sandbox_.file("b").c_str());
     auto* tree = qt_instance<QTreeWidget>("tree");
     QTreeWidgetItem* bookmark = tree->topLevelItem(tree->topLevelItemCount() - 1);
-    const auto branch = [bookmark] {
-        return bookmark->childCount() == 1 ? bookmark->child(0)->text(0) : QString();
+    const auto shows_branch = [bookmark](const QString& name) {
+        return QTest::qWaitFor(
+            [&] { return bookmark->childCount() == 1 && bookmark->child(0)->text(0) == name; });
     };
     bookmark->setExpanded(true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return branch() == QStringLiteral("??"); }));
+    EXPECT_TRUE(shows_branch(QStringLiteral("??")));
+    QFont font = QApplication::font();
+    font.setPointSize(17);
 
     em_edit_preferences();
-    toggle("cdot")->click();
-    toggle("cdirs")->click();
-    toggle("cenc_utf8_alternate")->click();
-    charsets()->setCurrentText(QStringLiteral("ISO-8859-1"));
+    click_on({"cdot", "cdirs", "cenc_utf8_alternate"});
+    enter("cto", "7 s\n");
+    qt_instance<QComboBox>("cenc")->setCurrentText(QStringLiteral("ISO-8859-1"));
+    choose_font("clist_select", font, false);
+    choose_font("clist_select", ui_font("TextFont08"), true);
+    EXPECT_EQ(text_of("clist_font"), "TextFont08") << "the same font keeps its name";
+    choose_font("clist_select", font, true);
     push("capply");
     EXPECT_EQ(row_name(1) + row_name(2) + row_name(3) + row_name(4), "b.dota\u00E9");
     EXPECT_EQ(gOptions & kOptionDotEntries, kOptionDotEntries);
+    EXPECT_EQ(gConfig->keyfind_timeout, 7);
     EXPECT_STREQ(gConfig->alt_encoding, "ISO-8859-1");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return branch() == QStringLiteral("\u00E8"); }));
+    EXPECT_EQ(gConfig->list_font, ui_font_name(font));
+    EXPECT_STREQ(gConfig->hotlist_font, "TextFont08");
+    EXPECT_EQ(qt(w_instance("filelist"))->font().pointSize(), 17);
+    EXPECT_TRUE(shows_branch(QStringLiteral("\u00E8")));
     tree_remove(&gTree, sandbox_.file("b").c_str());
 
     em_edit_preferences();
-    EXPECT_EQ(charsets()->currentText(), QStringLiteral("ISO-8859-1"));
-    toggle("cdot")->click();
-    charsets()->setCurrentIndex(0);
+    EXPECT_EQ(text_of("cenc"), "ISO-8859-1");
+    click_on({"cdot"});
+    enter("cto", std::string(5000, '9'));
+    qt_instance<QComboBox>("cenc")->setCurrentIndex(0);
     push("capply");
     EXPECT_EQ(row_name(1) + row_name(2), "ba");
     EXPECT_NE(row_name(3), "\u00E9");
     EXPECT_EQ(gOptions & kOptionDotEntries, 0U);
+    EXPECT_EQ(gConfig->keyfind_timeout, 2147483647);
     EXPECT_STREQ(gConfig->alt_encoding, "");
-}
-
-TEST_F(PreferencesTest, TheTimeOutIsTheNumberThatItsTextBeginsWith) {
-    struct Row {
-        QString text;
-        int32_t value;
-    };
-    for (const Row& row : {Row{QStringLiteral("250"), 250},
-                           {QStringLiteral("7 s\n"), 7},
-                           {{}, 0},
-                           {QStringLiteral("soon"), 0},
-                           {QStringLiteral("-5"), -5},
-                           {QString(5000, u'9'), 2147483647}}) {
-        em_edit_preferences();
-        enter("cto", row.text);
-        push("capply");
-        EXPECT_EQ(gConfig->keyfind_timeout, row.value);
-    }
-    em_edit_preferences();
-    EXPECT_EQ(field_text("cto"), "2147483647");
-}
-
-TEST_F(PreferencesTest, AChosenFontTakesEffectWithDone) {
-    QFont font = QApplication::font();
-    font.setPointSize(17);
-    const std::string name = ui_font_name(font);
-    const QFont before = qt(w_instance("filelist"))->font();
-    em_edit_preferences();
-    choose_font("clist_select", font, false);
-    EXPECT_EQ(text_of("clist_font"), "TextFont08");
-    choose_font("clist_select", ui_font("TextFont08"), true);
-    EXPECT_EQ(text_of("clist_font"), "TextFont08") << "the same font keeps its name";
-    choose_font("clist_select", font, true);
-    EXPECT_EQ(text_of("clist_font"), name);
-    EXPECT_EQ(qt(w_instance("filelist"))->font(), before);
-    push("capply");
-    EXPECT_EQ(gConfig->list_font, name);
-    EXPECT_STREQ(gConfig->hotlist_font, "TextFont08");
-    EXPECT_EQ(qt(w_instance("filelist"))->font().pointSize(), 17);
 }
 
 TEST_F(PreferencesTest, CancelChangesNothing) {
     std::strcpy(gConfig->alt_encoding, "x-unknown");
     const Config before = *gConfig;
-    for (const char* end : {"ccancel", ""}) {
+    for (const bool by_key : {false, true}) {
         em_edit_preferences();
-        EXPECT_EQ(charsets()->currentIndex(), -1);
-        for (const char* name : {"cdot", "cdirs", "overwrite", "sym_files", "cenc_alternate"})
-            toggle(name)->click();
-        enter("cto", QStringLiteral("1"));
-        charsets()->setCurrentIndex(3);
+        click_on({"cdot", "cdirs", "overwrite", "sym_files", "cenc_alternate"});
+        enter("cto", "1");
+        qt_instance<QComboBox>("cenc")->setCurrentIndex(3);
         choose_font("ctree_select", ui_font("TextFont20"), true);
-        if (*end != '\0')
-            push(end);
-        else
-            QTest::keyClick(qt(w_instance("config_dlg")), Qt::Key_Escape);
+        by_key ? press_in("config_dlg", Qt::Key_Escape) : push("ccancel");
         EXPECT_FALSE(is_open("config_dlg"));
         EXPECT_EQ(std::memcmp(&before, gConfig, sizeof before), 0);
     }

@@ -3,16 +3,18 @@
 #include "app/base.h"
 #include "app/base_window.h"
 #include "config/history.h"
-#include "filelist/filelist.h"
+#include "dirmodel/name_translation.h"
 #include "filelist/list_view.h"
-#include "filelist/navigation.h"
 #include "filelist/pane.h"
-#include "filelist/selection.h"
-#include "ui/qt_widget.h"
+#include "ui/dialogs.h"
 
 #include <QApplication>
+#include <QComboBox>
+#include <QDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
@@ -29,13 +31,20 @@ void WindowTest::SetUp() {
         base_setup(handle(window_), 1);
         base_opening();
         window_->show();
-        QApplication::setActiveWindow(window_);
     }
+    QApplication::setActiveWindow(window_);  // a menu closed before may have taken that
     show_sandbox();
 }
 
 void WindowTest::TearDown() {
+    while (QWidget* popup = QApplication::activePopupWidget())
+        popup->close();
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (qobject_cast<QDialog*>(window) != nullptr) window->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(ui_is_blocked(handle(window_)));
     QApplication::processEvents();  // what a test left to be done later
+    fname_set_translation(0, nullptr);
     config_load(*gConfig, nullptr, "config.003");
     fl_setspec("*");
     fl_newpath(nullptr, "/");
@@ -60,6 +69,11 @@ int32_t WindowTest::index_of(const std::string& name) {
     return -2;
 }
 
+mode_t WindowTest::mode_of(const std::string& name) const {
+    struct stat status {};
+    return lstat(sandbox_.file(name).c_str(), &status) == 0 ? status.st_mode : 0;
+}
+
 std::string WindowTest::selected() {
     std::string names;
     for (int32_t i = 0; i < gDir->count; ++i) {
@@ -71,23 +85,58 @@ std::string WindowTest::selected() {
 }
 
 std::string WindowTest::text_of(const char* instance) {
-    const auto* label = qt_instance<QLabel>(instance);
-    return label == nullptr ? std::string() : label->text().toStdString();
+    if (const auto* label = qt_instance<QLabel>(instance)) return label->text().toStdString();
+    if (const auto* field = qt_instance<QLineEdit>(instance)) return field->text().toStdString();
+    const auto* combo = qt_instance<QComboBox>(instance);
+    return combo == nullptr ? std::string() : combo->currentText().toStdString();
 }
 
-std::string WindowTest::alerts_of(const std::function<void()>& act) {
+std::string WindowTest::alerts_of(const std::function<void()>& act, const char* button) {
     QString said;
     QTimer timer;
-    timer.callOnTimeout([&said] {
+    timer.callOnTimeout([&said, button] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (box == nullptr) return;
         if (!said.isEmpty()) said += u'\n';
         said += box->windowTitle() + QStringLiteral(": ") + box->text();
+        for (QAbstractButton* offered : box->buttons())
+            if (offered->text() == QLatin1String(button)) return offered->click();
         box->close();
     });
     timer.start(1);
     act();
     return said.toStdString();
+}
+
+bool WindowTest::is_open(const char* dialog) {
+    const QWidget* window = qt(w_instance(dialog));
+    return window != nullptr && window->isVisible();
+}
+
+bool WindowTest::gets_focus(const char* widget) {
+    return QTest::qWaitFor([widget] {
+        const QWidget* focus = qt(w_instance(widget));
+        return focus != nullptr && focus == QApplication::focusWidget();
+    });
+}
+
+void WindowTest::push(const char* button) {
+    auto* pushed = qt_instance<QAbstractButton>(button);
+    ASSERT_NE(pushed, nullptr) << button;
+    QTest::mouseClick(pushed, Qt::LeftButton);
+}
+
+void WindowTest::enter(const char* field, const std::string& text) {
+    const QString shown = QString::fromStdString(text);
+    if (auto* combo = qt_instance<QComboBox>(field)) return combo->setEditText(shown);
+    auto* line = qt_instance<QLineEdit>(field);
+    ASSERT_NE(line, nullptr) << field;
+    line->setText(shown);
+}
+
+void WindowTest::press_in(const char* widget, Qt::Key key) {
+    ASSERT_NE(w_instance(widget), nullptr) << widget;
+    QTest::keyClick(qt(w_instance(widget)), key);
 }
 
 void WindowTest::type(const char* text) {
