@@ -1,19 +1,18 @@
 #include "assoc/engine/association.h"
 #include "config/config.h"
-#include "dirmodel/dir_entry.h"
-#include "filelist/navigation.h"
 #include "menus/list_menu.h"
 #include "menus/menus.h"
 #include "support/fake_programs.h"
 #include "support_gui/window_test.h"
-#include "ui/qt_widget.h"
 
-#include <algorithm>
-#include <gtest/gtest.h>
-#include <sstream>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMenu>
 
 namespace dorn {
 namespace {
+
+using Texts = std::vector<std::string>;
 
 class FileMenuTest : public WindowTest {
   protected:
@@ -22,8 +21,8 @@ class FileMenuTest : public WindowTest {
             sandbox_.write(name);
         sandbox_.mkdir("dir");
         WindowTest::SetUp();
-        fakes_.add("show");
-        fakes_.add("edit");
+        for (const char* name : {"show", "edit", "lpr"})
+            fakes_.add(name);
         apat = {{"*.c", "show open", "show edit", "show view"},
                 {"*.h", "show open", "", " "},
                 {"*.txt", "", "show edit", "show view"}};
@@ -34,23 +33,20 @@ class FileMenuTest : public WindowTest {
         WindowTest::TearDown();
     }
 
-    /// What the program was started with, each run as one text.
-    std::vector<std::string> started(const char* program = "show") const {
+    // What the program was started with since the last call, each run as one text.
+    Texts started(const char* program = "show") const {
         FakePrograms::wait();
-        std::vector<std::string> texts;
+        Texts texts;
         for (const std::vector<std::string>& run : fakes_.runs(program)) {
-            std::string text;
+            std::string& text = texts.emplace_back();
             for (const std::string& argument : run)
                 text += (text.empty() ? "" : " ") + argument;
-            texts.push_back(text);
         }
         return texts;
     }
 
     FakePrograms fakes_;
 };
-
-using Texts = std::vector<std::string>;
 
 TEST_F(FileMenuTest, OpenViewAndEditRunTheAssociationsOfTheSelectedFiles) {
     std::snprintf(gConfig->edit_cmd, sizeof gConfig->edit_cmd, "edit -x @");
@@ -61,10 +57,11 @@ TEST_F(FileMenuTest, OpenViewAndEditRunTheAssociationsOfTheSelectedFiles) {
     EXPECT_EQ(started(), Texts{"edit a.c"});
     EXPECT_EQ(started("edit"), (Texts{"-x b.h", "-x plain"}));
     select({"a.c", "b.h", "c.txt"});
-    menus_run("fm_open");
-    EXPECT_EQ(started(), (Texts{"open a.c", "open b.h"}));
     press(Qt::Key_Return);
     EXPECT_EQ(started(), (Texts{"open a.c", "open b.h"}));
+    type("a.c");
+    press(Qt::Key_Return);
+    EXPECT_EQ(started(), Texts{"open a.c"}) << "Enter confirms what is typed";
     select({});
     fl_goto("b.h", 0, 1);
     menus_run("fm_open");
@@ -72,34 +69,19 @@ TEST_F(FileMenuTest, OpenViewAndEditRunTheAssociationsOfTheSelectedFiles) {
     EXPECT_EQ(gDir->path, sandbox_.path());
 }
 
-TEST_F(FileMenuTest, EnterWhileSomethingIsTypedIsTheInterpreters) {
-    select({"b.h"});
-    type("a.c");
-    press(Qt::Key_Return);
-    EXPECT_EQ(started(), Texts{"open a.c"});
-    type("?b");
-    press(Qt::Key_Return);
-    EXPECT_EQ(started(), Texts{});
-}
-
 TEST_F(FileMenuTest, PrintRunsForAllSelectedFilesAndSaysSo) {
-    fakes_.add("lpr");
     gConfig->print_cmd[0] = '\0';
-    select({"a.c", "b.h"});
-    menus_run("fm_print");
-    EXPECT_EQ(started("lpr"), Texts{"a.c b.h"});
-    EXPECT_STREQ(gConfig->print_cmd, "lpr @");
-    EXPECT_EQ(text_of("status1"), "2 items printed");
-    select({"b.h"});
-    menus_run("fm_print");
-    EXPECT_EQ(text_of("status1"), "'b.h' printed");
-    EXPECT_EQ(started("lpr"), Texts{"b.h"});
-    select({"a.c", "dir"});
-    const std::string before = text_of("status1");
-    EXPECT_EQ(menus_run("fm_print"), 0);
-    EXPECT_EQ(menus_run("fm_print_directory"), 0);
-    EXPECT_EQ(text_of("status1"), before);
-    EXPECT_EQ(started("lpr"), Texts{});
+    const std::tuple<Texts, Texts, std::string> rows[] = {
+        {{"a.c", "b.h"}, {"a.c b.h"}, "2 items printed"},
+        {{"b.h"}, {"b.h"}, "'b.h' printed"},
+        {{"a.c", "dir"}, {}, ""}};  // nothing, and nothing is said
+    for (const auto& [names, runs, said] : rows) {
+        select(names);
+        const std::string before = text_of("status1");
+        EXPECT_EQ(menus_run("fm_print"), 0);
+        EXPECT_EQ(started("lpr"), runs);
+        EXPECT_EQ(text_of("status1"), said.empty() ? before : said);
+    }
 }
 
 TEST_F(FileMenuTest, TheTerminalAndOtherWindowsAreStartedDirectly) {
@@ -107,46 +89,47 @@ TEST_F(FileMenuTest, TheTerminalAndOtherWindowsAreStartedDirectly) {
     menus_run("fm_open_orterm");
     EXPECT_EQ(started(), Texts{""});
     // A window of "this very build" is, here, this test program, which tells of itself.
-    const std::string log = sandbox_.file("windows");
+    const std::string log = sandbox_.file("windows"), program = "/usr/orrin/bin/dorn";
     setenv("DORN_TEST_STARTED", log.c_str(), 1);
+    for (const Texts& names : {Texts{"dir"}, {"dir", "a.c"}, {"a.c"}}) {
+        select(names);
+        menus_run("fm_open_another");
+    }
+    FakePrograms::wait();
     menus_run("fm_new_window");
-    select({"dir"});
-    menus_run("fm_open_another");
-    select({"dir", "a.c"});
-    menus_run("fm_open_another");
-    select({"a.c"});
-    menus_run("fm_open_another");
     FakePrograms::wait();
     unsetenv("DORN_TEST_STARTED");
-    std::istringstream stream(read_file(log));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    std::sort(lines.begin(), lines.end());
-    const std::string program = "/usr/orrin/bin/dorn";
-    EXPECT_EQ(lines, (Texts{program, program + " " + sandbox_.file("dir")}));
+    EXPECT_EQ(read_file(log), program + " " + sandbox_.file("dir") + "\n" + program + "\n");
 }
 
-TEST_F(FileMenuTest, TheListMenuKnowsWhatEverySelectedFileCanBe) {
-    const std::pair<std::vector<std::string>, const char*> rows[] = {
-        {{"a.c"}, "open view edit "},
-        {{"c.txt"}, "view edit "},
-        {{"a.c", "b.h"}, "open "},
-        {{"b.h", "c.txt"}, ""},
-        {{"a.c", "plain"}, ""},
-        {{"a.c", "dir"}, "open view edit "},
-        {{"dir"}, ""},
-        {{}, ""}};
+TEST_F(FileMenuTest, TheListMenuIsMadeForWhatEverySelectedFileCanBe) {
+    const std::string one = "- Print - Cut Copy Delete Rename Symlink - Copy To Move To - Inspect ";
+    const std::string several = "- Print - Cut Copy Delete - Copy To Move To - Inspect ";
+    const std::pair<Texts, std::string> rows[] = {
+        {{"a.c"}, "New Open View Edit Open With " + one},
+        {{"c.txt"}, "New View Edit Open With " + one},
+        {{"a.c", "b.h"}, "New Open Open With " + several},
+        {{"b.h", "c.txt"}, "New Open With " + several},
+        {{"a.c", "plain"}, "New Open With " + several},
+        {{"a.c", "dir"}, "New Open Open In Window - Cut Copy Delete - Copy To Move To - Inspect "},
+        {{}, "New "}};
+    const auto labels = [] {
+        std::string text;
+        QMenu menu;
+        lcm_setup(&menu);
+        for (const QAction* action : menu.actions())
+            text += (action->isSeparator() ? "-" : action->text().remove(u'&').toStdString()) + " ";
+        return text;
+    };
+    QGuiApplication::clipboard()->clear();
     for (const auto& [names, expected] : rows) {
         select(names);
-        ListMenuFacts facts;
-        facts.selected = gDir->n_selected;
-        facts.directories = gDir->n_selected_dirs;
-        lcm_look_at_associations(&facts);
-        const std::string can = std::string(facts.can_open ? "open " : "") +
-                                (facts.can_view ? "view " : "") + (facts.can_edit ? "edit " : "");
-        EXPECT_EQ(can, expected) << selected();
+        EXPECT_EQ(labels(), expected);
     }
+    select({"dir"});
+    menus_run("em_copy");
+    select({});
+    EXPECT_EQ(labels(), "New Paste ");
 }
 
 }  // namespace

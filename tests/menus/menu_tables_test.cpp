@@ -1,7 +1,6 @@
 #include "menus/menu_tables.h"
 
 #include "menus/accelerators.h"
-#include "menus/commands.h"
 #include "menus/menu_build.h"
 #include "menus/menus.h"
 
@@ -12,32 +11,26 @@
 namespace dorn {
 namespace {
 
-std::vector<const Menu*> all_tables() {
-    std::vector<const Menu*> tables;
-    for (const Menu& menu : menu_bar_tables())
-        tables.push_back(&menu);
-    tables.push_back(&view_menu_table());
-    tables.push_back(&hotlist_context_table());
-    return tables;
-}
-
 char mnemonic(const char* label) {
     const char* mark = std::strchr(label, '&');
     return mark == nullptr ? '\0' : static_cast<char>(std::tolower(mark[1]));
 }
 
 TEST(MenuTables, MnemonicsDifferWithinEachLevelOfAMenu) {
+    const std::span<const Menu> bar = menu_bar_tables();
+    std::vector<const Menu*> tables = {&view_menu_table(), &hotlist_context_table()};
+    for (const Menu& menu : bar)
+        tables.push_back(&menu);
     std::string twins;
-    for (const Menu* table : all_tables()) {
+    for (const Menu* table : tables) {
         std::map<std::pair<std::string, char>, std::string> seen;
         std::string submenu;
         for (const MenuItem& item : table->items) {
             if (item.label == nullptr) continue;
-            const std::string level = item.level == 0 ? "" : submenu;
+            const std::pair key(item.level == 0 ? "" : submenu, mnemonic(item.label));
             if (item.kind == MenuKind::Submenu) submenu = item.label;
-            if (mnemonic(item.label) == '\0') continue;
-            const auto [at, fresh] =
-                seen.emplace(std::pair(level, mnemonic(item.label)), item.label);
+            if (key.second == '\0') continue;
+            const auto [at, fresh] = seen.emplace(key, item.label);
             if (!fresh) twins += at->second + " and " + item.label + ". ";
         }
     }
@@ -60,77 +53,43 @@ TEST(MenuTables, AKeyBelongsToOneItemOfTheMenuBar) {
     EXPECT_EQ(seen.size(), 31u + 3u);  // Return is on two keys
 }
 
-TEST(MenuTables, AcceleratorTextsAndKeysBelongTogether) {
-    const std::tuple<const char*, const char*, const char*> rows[] = {
-        {"fm_open_another", "Ctrl-Ret", "Ctrl+Return"},
-        {"fm_view", "Alt-V", "Alt+V"},
-        {"em_delete", "Del", "Del"},
-        {"gm_back", "Alt-<-", "Alt+Left"},
-        {"gm_up", "Bksp", "Backspace"}};
-    for (const auto& [name, text, key] : rows) {
-        const MenuItem* item = find_menu_item(name);
-        ASSERT_NE(item, nullptr) << name;
-        EXPECT_EQ(accelerator_text(*item), QLatin1String(text));
-        EXPECT_EQ(accelerator_keys(*item).front().toString(), QLatin1String(key));
-    }
+constexpr MenuItem row(int level, MenuKind kind, const char* name) {
+    return {level, kind, name, 0, nullptr, name};
 }
+constexpr MenuItem kLine = row(0, MenuKind::Separator, nullptr);
 
-// What a menu holds, for comparing: labels in order, "-" for a separator, submenus in brackets.
+// The texts in order, "-" for a separator, submenus in brackets.
 std::string outline(const QMenu& menu) {
     std::string text;
     for (const QAction* action : menu.actions()) {
-        if (!text.empty()) text += ' ';
-        if (action->isSeparator())
-            text += '-';
-        else if (action->menu() != nullptr)
-            text += action->text().toStdString() + "[" + outline(*action->menu()) + "]";
-        else
-            text += action->text().toStdString();
+        text += action->isSeparator() ? "-" : action->text().toStdString();
+        if (action->menu() != nullptr) text += "[" + outline(*action->menu()) + "]";
     }
     return text;
 }
 
-int do_nothing() {
-    return 0;
-}
-void add_two(QMenu* menu) {
-    menu->addSeparator();
-    menu->addAction(QStringLiteral("g1"));
-    menu->addAction(QStringLiteral("g2"));
-}
-void add_none(QMenu*) {}
-
-constexpr MenuItem row(int level, MenuKind kind, const char* name) {
-    return {level, kind, name, 0, nullptr, name};
-}
-const std::vector<MenuItem> kSample{
-    row(0, MenuKind::Separator, nullptr), row(0, MenuKind::Submenu, "sub"),
-    row(1, MenuKind::Command, "in1"),     row(1, MenuKind::Separator, nullptr),
-    row(1, MenuKind::Command, "in2"),     row(0, MenuKind::Separator, nullptr),
-    row(0, MenuKind::Command, "a"),       row(0, MenuKind::Separator, nullptr),
-    row(0, MenuKind::Command, "b"),       row(0, MenuKind::Separator, nullptr),
-    row(0, MenuKind::Generator, "gen"),   row(0, MenuKind::Separator, nullptr),
-    row(0, MenuKind::Command, "c"),       row(0, MenuKind::Separator, nullptr)};
-
 TEST(MenuBuild, WhatIsNotRegisteredLeavesNoTrace) {
+    const MenuItem items[] = {kLine,
+                              row(0, MenuKind::Submenu, "s"),
+                              row(1, MenuKind::Separator, nullptr),
+                              row(1, MenuKind::Command, "t"),
+                              kLine,
+                              row(0, MenuKind::Command, "u"),
+                              kLine,
+                              row(0, MenuKind::Generator, "g"),
+                              kLine,
+                              row(0, MenuKind::Command, "v"),
+                              kLine};
     QMenu menu;
-    menu_build(&menu, kSample, {});
-    EXPECT_EQ(outline(menu), "");
-    menus_register("c", do_nothing);
-    menu_build(&menu, kSample, {});
-    EXPECT_EQ(outline(menu), "c");
-    menus_register("in2", do_nothing);
-    menus_register("a", do_nothing);
-    menu_build(&menu, kSample, {});
-    EXPECT_EQ(outline(menu), "sub[in2] - a - c");
-    menus_register("in1", do_nothing);
-    menus_register("b", do_nothing);
-    menus_register_generator("gen", add_two);
-    menu_build(&menu, kSample, {});
-    EXPECT_EQ(outline(menu), "sub[in1 - in2] - a - b - g1 g2 - c");
-    menus_register_generator("gen", add_none);
-    menu_build(&menu, kSample, {});
-    EXPECT_EQ(outline(menu), "sub[in1 - in2] - a - b - c");
+    std::string built;
+    for (const char* name : {"", "v", "t", "u"}) {
+        if (*name != '\0') menus_register(name, [] { return 0; });
+        menu_build(&menu, items, {});
+        built += outline(menu) + " ";
+    }
+    menus_register_generator("g", [](QMenu* filled) { filled->addAction(QStringLiteral("g")); });
+    menu_build(&menu, items, {});
+    EXPECT_EQ(built + outline(menu), " v s[t]-v s[t]-u-v s[t]-u-g-v");
 }
 
 }  // namespace

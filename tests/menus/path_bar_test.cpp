@@ -2,13 +2,9 @@
 
 #include "config/config.h"
 #include "config/history.h"
-#include "dirmodel/dir_entry.h"
 #include "dirmodel/path_completion.h"
-#include "filelist/filelist.h"
-#include "filelist/navigation.h"
 #include "support_gui/window_test.h"
 #include "ui/combo.h"
-#include "ui/qt_widget.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -16,8 +12,6 @@
 #include <QLineEdit>
 #include <QTest>
 #include <QWheelEvent>
-
-#include <gtest/gtest.h>
 
 namespace dorn {
 namespace {
@@ -29,205 +23,178 @@ class PathBarTest : public WindowTest {
     void SetUp() override {
         WindowTest::SetUp();
         path_ = qt_instance<QComboBox>("tb_curpath");
-        filter_ = qt_instance<QComboBox>("tb_filespec");
         path_bar_set_clock([] { return sNow; });
         *gPathList = HistoryList{};
+        base_ = std::string(sandbox_.path()) + "/";
     }
     void TearDown() override {
         path_bar_set_clock(nullptr);
         WindowTest::TearDown();
     }
 
-    void enter() const {
-        QTest::keyClick(path_, Qt::Key_Return);
-    }
-    void remember(const std::string& entry) {
+    static void remember(const std::string& entry) {
         cl_add(gPathList.get(), entry.c_str());
-        cl_apply(gPathList.get(), handle(path_));
+        cl_apply(gPathList.get(), w_instance("tb_curpath"));
     }
-    void edit(const QString& text) {
+    // Types in place of what the path field holds; the text that it holds then.
+    std::string edit(const std::string& text) {
         path_->setFocus();
         path_->lineEdit()->selectAll();
         path_->lineEdit()->del();
-        QTest::keyClicks(path_, text);
+        return add(text);
     }
-    std::string typed_text() const {
-        return path_->currentText().toStdString();
+    std::string add(const std::string& text) {
+        QTest::keyClicks(path_, QString::fromStdString(text));
+        return text_of("tb_curpath");
     }
-    // Presses Escape twice, `seconds` apart.
-    void escape_twice(int seconds = 1) {
-        QTest::keyClick(path_, Qt::Key_Escape);
-        sNow += seconds;
-        QTest::keyClick(path_, Qt::Key_Escape);
+    static void enter_path() {
+        press_in("tb_curpath", Qt::Key_Return);
+    }
+    // Presses Escape twice, `seconds` apart, maybe another key between; the text of the field then.
+    static std::string escape_twice(int seconds = 1, Qt::Key between = Qt::Key_unknown) {
         sNow += 100;
+        press_in("tb_curpath", Qt::Key_Escape);
+        if (between != Qt::Key_unknown) press_in("tb_curpath", between);
+        sNow += seconds;
+        press_in("tb_curpath", Qt::Key_Escape);
+        return text_of("tb_curpath");
     }
+
     QComboBox* path_ = nullptr;
-    QComboBox* filter_ = nullptr;
+    std::string base_;
 };
 
-TEST_F(PathBarTest, EnterGoesToThePathAndRemembersIt) {
+TEST_F(PathBarTest, EnterGoesToThePathAndRemembersItUnlessThereIsNone) {
     sandbox_.mkdir("sub");
-    edit(QString::fromStdString(sandbox_.file("sub") + "/"));
-    enter();
-    EXPECT_EQ(gDir->path, sandbox_.file("sub"));
-    EXPECT_EQ(typed_text(), sandbox_.file("sub"));
-    ASSERT_EQ(gPathList->count, 1);
-    EXPECT_EQ(cl_get(gPathList.get(), 1), sandbox_.file("sub"));
-    EXPECT_EQ(path_->itemText(0).toStdString(), sandbox_.file("sub"));
+    edit(base_ + "sub/");
+    enter_path();
+    EXPECT_EQ(gDir->path, base_ + "sub");
+    EXPECT_EQ(text_of("tb_curpath"), base_ + "sub");
+    EXPECT_EQ(path_->itemText(0).toStdString(), base_ + "sub");
     EXPECT_EQ(QApplication::focusWidget(), qt(w_instance("filelist")));
-}
-
-TEST_F(PathBarTest, APathThatDoesNotExistStaysInTheFieldAndOutOfTheHistory) {
-    const std::string missing = sandbox_.file("missing");
-    edit(QString::fromStdString(missing));
-    EXPECT_EQ(alerts_of([this] { enter(); }), "Error: Directory '" + missing + "', not found");
-    EXPECT_EQ(typed_text(), missing);
-    EXPECT_EQ(gDir->path, sandbox_.path());
-    EXPECT_EQ(gPathList->count, 0);
+    const std::string missing = base_ + "missing";
+    edit(missing);
+    EXPECT_EQ(alerts_of(enter_path), "Error: Directory '" + missing + "', not found");
+    EXPECT_EQ(text_of("tb_curpath"), missing);
+    EXPECT_EQ(gDir->path, base_ + "sub");
+    EXPECT_EQ(gPathList->count, 1);
 }
 
 TEST_F(PathBarTest, APathThatCannotBeShownSurvivesAsLongAsItIsNotEdited) {
     const std::string odd = "in\nvalid\xFF";
     sandbox_.mkdir(odd);
     sandbox_.mkdir(odd + "/sub");
-    ASSERT_EQ(fl_newpath(nullptr, sandbox_.file(odd).c_str()), 0);
+    ASSERT_EQ(fl_newpath(nullptr, (base_ + odd).c_str()), 0);
     path_->setFocus();
-    escape_twice();
-    EXPECT_TRUE(path_->currentText().endsWith(u'/'));
+    EXPECT_TRUE(escape_twice().ends_with('/'));
     ASSERT_EQ(fl_newpath(nullptr, sandbox_.path()), 0);
-    tb_curpath_set_text(sandbox_.file(odd).c_str());
+    tb_curpath_set_text((base_ + odd).c_str());
     path_->setFocus();
-    enter();
-    EXPECT_EQ(gDir->path, sandbox_.file(odd));
+    enter_path();
+    EXPECT_EQ(gDir->path, base_ + odd);
 }
 
 TEST_F(PathBarTest, OnlyEnterAndAChoiceFromTheListGoAnywhere) {
-    sandbox_.mkdir("one");
-    sandbox_.mkdir("two");
-    remember(sandbox_.file("one"));
-    remember(sandbox_.file("two"));
-    edit(QString::fromStdString(sandbox_.file("one")));
+    for (const char* name : {"one", "two"}) {
+        sandbox_.mkdir(name);
+        remember(base_ + name);
+    }
+    edit(base_ + "one");
     qt(w_instance("filelist"))->setFocus();
     path_->setFocus();
     QWheelEvent wheel(QPointF(5, 5), path_->mapToGlobal(QPointF(5, 5)), QPoint(), QPoint(0, -120),
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(path_, &wheel);
-    QTest::keyClick(path_, Qt::Key_Down);
+    press_in("tb_curpath", Qt::Key_Down);
     ASSERT_TRUE(path_->view()->isVisible());
     EXPECT_EQ(gDir->path, sandbox_.path());
     path_->view()->setCurrentIndex(path_->model()->index(1, 0));
     QTest::keyClick(path_->view(), Qt::Key_Return);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return gDir->path == sandbox_.file("one"); })) << gDir->path;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return gDir->path == base_ + "one"; })) << gDir->path;
 }
 
 TEST_F(PathBarTest, TypingCompletesFromTheHistory) {
+    const auto color = [this] { return path_->lineEdit()->palette().color(QPalette::Text); };
     remember("/srv/data/one");
-    edit(QStringLiteral("/sr"));
-    EXPECT_EQ(typed_text(), "/srv/data/one");
+    EXPECT_EQ(edit("/sr"), "/srv/data/one");
     EXPECT_EQ(path_->lineEdit()->selectedText(), QStringLiteral("v/data/one"));
     EXPECT_EQ(path_->lineEdit()->cursorPosition(), 3);
-    QTest::keyClicks(path_, QStringLiteral("v/x"));
-    EXPECT_EQ(typed_text(), "/srv/x");
-    QTest::keyClick(path_, Qt::Key_Backspace);
-    EXPECT_EQ(typed_text(), "/srv/");  // not completed again while deleting
+    EXPECT_EQ(color(), path_->palette().color(QPalette::Text));
+    EXPECT_EQ(add("v/x"), "/srv/x");
+    press_in("tb_curpath", Qt::Key_Backspace);
+    EXPECT_EQ(text_of("tb_curpath"), "/srv/") << "not completed again while deleting";
     path_->lineEdit()->setCursorPosition(0);
-    QTest::keyClicks(path_, QStringLiteral("/"));
-    EXPECT_EQ(typed_text(), "//srv/");  // nor away from the end
-    path_->setEditText(QStringLiteral("/sr"));
-    EXPECT_EQ(typed_text(), "/sr");  // nor without a key
+    EXPECT_EQ(add("/"), "//srv/") << "nor away from the end";
+    remember("http://example.net/index");
+    EXPECT_EQ(edit("ftp://exa"), "ftp://example.net/index") << "a typed prefix stays in front";
+    EXPECT_EQ(color(), QColor(0, 0, 255));
     const uint32_t options = gOptions;
     gOptions &= ~kOptionInlineCompletion;
-    edit(QStringLiteral("/sr"));
-    EXPECT_EQ(typed_text(), "/sr");
+    EXPECT_EQ(edit("/sr"), "/sr");
     gOptions = options;
 }
 
-TEST_F(PathBarTest, ATypedWebPrefixStaysInFrontAndWebAddressesAreColoured) {
-    const auto color = [this] { return path_->lineEdit()->palette().color(QPalette::Text); };
-    remember("http://example.net/index");
-    edit(QStringLiteral("ftp://exa"));
-    EXPECT_EQ(typed_text(), "ftp://example.net/index");
-    EXPECT_EQ(color(), QColor(0, 0, 255));
-    edit(QStringLiteral("/x"));
-    EXPECT_EQ(color(), path_->palette().color(QPalette::Text));
-}
-
 TEST_F(PathBarTest, EscapeTwiceCompletesTheDirectory) {
-    sandbox_.mkdir("alone");
-    sandbox_.mkdir("pair_one");
-    sandbox_.mkdir("pair_other");
-    const std::string base = std::string(sandbox_.path()) + "/";
-    const std::tuple<const char*, int, const char*> rows[] = {
-        {"al", 2, "alone/"}, {"al", 3, "al"}, {"p", 0, "pair_o"}, {"none", 1, "none"}};
-    for (const auto& [typed, seconds, text] : rows) {
-        edit(QString::fromStdString(base + typed));
-        escape_twice(seconds);
-        EXPECT_EQ(typed_text(), base + text) << typed << " after " << seconds;
-        EXPECT_EQ(path_->lineEdit()->cursorPosition(), path_->currentText().size());
-    }
-    edit(QString::fromStdString(base + "al"));
-    QTest::keyClick(path_, Qt::Key_Escape);
-    QTest::keyClick(path_, Qt::Key_End);
-    QTest::keyClick(path_, Qt::Key_Escape);
-    EXPECT_EQ(typed_text(), base + "al");
-    remember(base + "along the way");
-    edit(QString::fromStdString(base + "alo"));
-    ASSERT_EQ(typed_text(), base + "along the way");
-    escape_twice();
-    EXPECT_EQ(typed_text(), base + "alone/");  // the selected tail does not count
-}
-
-TEST_F(PathBarTest, MatchingDirectoriesAreFoundByTheirBeginning) {
     for (const char* name : {"lib", "local", ".dot", "only", "only/child"})
         sandbox_.mkdir(name);
     sandbox_.write("file");
     sandbox_.link("lib", "link");
     sandbox_.link("nowhere", "broken");
-    const std::string base = std::string(sandbox_.path()) + "/";
     const std::pair<const char*, const char*> rows[] = {
-        {"lib", "lib/"},          {"l", "l"},         {"link", "link/"},
-        {"only/", "only/child/"}, {".", ".dot/"},     {"fi", nullptr},
-        {"br", nullptr},          {"none/", nullptr}, {"", nullptr},
-        {"only/child/", nullptr}};
+        {"lib", "lib/"},          {"lo", "local/"}, {"l", "l"},
+        {"link", "link/"},        {".", ".dot/"},   {"fi", nullptr},
+        {"only/", "only/child/"}, {"br", nullptr},  {"none/", nullptr},
+        {"only/child/", nullptr}, {"", nullptr}};
     for (const auto& [typed, found] : rows) {
-        const auto expected = found == nullptr ? std::nullopt : std::optional(base + found);
-        EXPECT_EQ(find_matching_dir((base + typed).c_str()), expected) << typed;
+        const std::string path = base_ + typed;
+        const auto expected = found == nullptr ? std::nullopt : std::optional(base_ + found);
+        EXPECT_EQ(find_matching_dir(path.c_str()), expected) << typed;
+        edit(path);
+        EXPECT_EQ(escape_twice(), expected.value_or(path)) << typed;
+        EXPECT_EQ(path_->lineEdit()->cursorPosition(), path_->currentText().size());
     }
     EXPECT_EQ(find_matching_dir("/us"), "/usr/");
-    EXPECT_EQ(find_matching_dir("us"), std::nullopt);
-    EXPECT_EQ(find_matching_dir(""), std::nullopt);
-    EXPECT_EQ(find_matching_dir((base + std::string(1300, 'x')).c_str()), std::nullopt);
+    for (const std::string& none :
+         {std::string("us"), std::string(), base_ + std::string(1300, 'x')})
+        EXPECT_EQ(find_matching_dir(none.c_str()), std::nullopt);
+    edit(base_ + "lo");
+    EXPECT_EQ(escape_twice(3), base_ + "lo") << "too slow for a pair";
+    EXPECT_EQ(escape_twice(1, Qt::Key_End), base_ + "lo") << "no pair";
+    remember(base_ + "local time");
+    ASSERT_EQ(edit(base_ + "loc"), base_ + "local time");
+    EXPECT_EQ(escape_twice(), base_ + "local/") << "the selected tail does not count";
 }
 
 TEST_F(PathBarTest, TheFilterFieldFiltersByEnter) {
     sandbox_.write("a.c");
     sandbox_.write("b.h");
     show_sandbox();
-    filter_->setFocus();
-    filter_->setEditText(QString());
-    QTest::keyClicks(filter_, QStringLiteral("*.c"));
+    auto* filter = qt_instance<QComboBox>("tb_filespec");
+    filter->setFocus();
+    enter("tb_filespec", "");
+    QTest::keyClicks(filter, QStringLiteral("*.c"));
     EXPECT_EQ(gDir->count, 2);
-    QTest::keyClick(filter_, Qt::Key_Return);
+    press_in("tb_filespec", Qt::Key_Return);
     EXPECT_EQ(gDir->count, 1);
     EXPECT_STREQ(cl_get(gSpecList.get(), 1), "*.c");
-    filter_->setFocus();
-    filter_->setEditText(QStringLiteral("half"));
-    QTest::keyClick(filter_, Qt::Key_Escape);
-    EXPECT_EQ(filter_->currentText(), QStringLiteral("*.c"));
+    filter->setFocus();
+    enter("tb_filespec", "half");
+    press_in("tb_filespec", Qt::Key_Escape);
+    EXPECT_EQ(text_of("tb_filespec"), "*.c");
     EXPECT_EQ(QApplication::focusWidget(), qt(w_instance("filelist")));
 }
 
 TEST_F(PathBarTest, EditingKeysAreTheFieldsOwn) {
     sandbox_.write("a");
     show_sandbox();
-    edit(QStringLiteral("/typed"));
+    edit("/typed");
     QTest::keyClick(path_, Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(path_->lineEdit()->selectedText(), QStringLiteral("/typed"));
     EXPECT_EQ(selected(), "");
     QTest::keyClick(path_, Qt::Key_U, Qt::ControlModifier);
-    EXPECT_EQ(typed_text(), "");
-    QTest::keyClick(path_, Qt::Key_F5);
-    EXPECT_EQ(typed_text(), sandbox_.path());
+    EXPECT_EQ(text_of("tb_curpath"), "");
+    press_in("tb_curpath", Qt::Key_F5);
+    EXPECT_EQ(text_of("tb_curpath"), sandbox_.path());
 }
 
 }  // namespace
