@@ -15,58 +15,53 @@
 namespace dorn {
 namespace {
 
-struct Counter {
-    int calls = 0;
-    int stop_after = 1000;
-};
-
-void count(Timer* timer, void* data) {
-    auto* counter = static_cast<Counter*>(data);
-    if (++counter->calls == counter->stop_after) wtimer_detach(timer);
-}
-
-TEST(Timers, RepeatUntilTheirCallbackDetachesThem) {
+TEST(Timers, RepeatUntilTheirLastCallbackDetachesThem) {
     Timer timer;
-    Counter counter{0, 3};
-    wtimer_attach(&timer, 1, count, &counter);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return counter.calls == 3; }));
-}
-
-TEST(Timers, AttachingAgainReplacesCallbackAndData) {
-    Timer timer;
-    Counter first, second{0, 1};
+    int replaced = 0, calls = 0;
     wtimer_trigger(&timer);
-    wtimer_attach(&timer, 1, count, &first);
-    wtimer_attach(&timer, 1, count, &second);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return second.calls == 1; }));
-    EXPECT_EQ(first.calls, 0);
-}
-
-WorkResult count_work(void* data) {
-    return ++*static_cast<int*>(data) == 3 ? WorkResult::Done : WorkResult::Continue;
+    wtimer_attach(
+        &timer, 1, [](Timer*, void* data) { ++*static_cast<int*>(data); }, &replaced);
+    const TimerCallback three_times = [](Timer* self, void* data) {
+        if (++*static_cast<int*>(data) == 3) wtimer_detach(self);
+    };
+    wtimer_attach(&timer, 1, three_times, &calls);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return calls == 3; }));
+    QTest::qWait(5);
+    EXPECT_EQ(calls, 3);
+    EXPECT_EQ(replaced, 0);
 }
 
 TEST(WorkProcedures, RunUntilTheySayDoneOrAreDetached) {
+    const WorkProcedure count = [](void* data) {
+        return ++*static_cast<int*>(data) == 3 ? WorkResult::Done : WorkResult::Continue;
+    };
     QWidget widget;
-    int calls = 0;
-    int detached = 0;
-    int after = 0;
-    wproc_attach(handle(&widget), count_work, &calls);
+    int detached = 0, calls = 0;
+    wproc_attach(handle(&widget), count, &detached);
+    wproc_detach(handle(&widget));
+    wproc_detach(handle(&widget));
+    wproc_attach(handle(&widget), count, &calls);
     EXPECT_TRUE(QTest::qWaitFor([&] { return calls == 3; }));
-    wproc_attach(handle(&widget), count_work, &detached);
-    wproc_detach(handle(&widget));
-    wproc_detach(handle(&widget));
-    wproc_attach(handle(&widget), count_work, &after);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return after == 3; }));
+    QTest::qWait(1);
     EXPECT_EQ(calls, 3);
     EXPECT_EQ(detached, 0);
 }
 
+// A work that hangs until its test is over.
+struct Hanging {
+    std::shared_ptr<std::atomic<bool>> release = std::make_shared<std::atomic<bool>>(false);
+    ~Hanging() {
+        release->store(true);
+        release->notify_all();
+    }
+    std::function<void()> work() const {
+        return [release = release] { release->wait(false); };
+    }
+};
+
 TEST(Bounded, ACallThatHangsIsLeftBehind) {
-    auto release = std::make_shared<std::atomic<bool>>(false);
-    EXPECT_FALSE(ui_bounded([release] { release->wait(false); }, 60));
-    release->store(true);
-    release->notify_all();
+    const Hanging hanging;
+    EXPECT_FALSE(ui_bounded(hanging.work(), 60));
     auto ran = std::make_shared<bool>(false);
     EXPECT_TRUE(ui_bounded([ran] { *ran = true; }));
     EXPECT_TRUE(*ran);
@@ -78,20 +73,17 @@ TEST(Bounded, ClosingTheMainWindowEndsTheWait) {
     ui_register_instances(&base);
     base.show();
     QTimer::singleShot(0, &base, [&base] { base.close(); });
-    auto release = std::make_shared<std::atomic<bool>>(false);
+    const Hanging hanging;
     QElapsedTimer waited;
     waited.start();
-    EXPECT_FALSE(ui_bounded([release] { release->wait(false); }, 60000));
+    EXPECT_FALSE(ui_bounded(hanging.work(), 60000));
     EXPECT_LT(waited.elapsed(), 30000);
-    release->store(true);
-    release->notify_all();
 }
 
 TEST(Async, WorkRunsElsewhereAndItsEndIsToldHere) {
     const auto here = std::this_thread::get_id();
     auto there = std::make_shared<std::atomic<std::thread::id>>(here);
-    int dropped = 0;
-    int ended = 0;
+    int dropped = 0, ended = 0;
     auto* owner = new QWidget;
     ui_async(
         handle(owner), [] {}, [&] { ++dropped; });
