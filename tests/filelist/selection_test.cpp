@@ -2,14 +2,11 @@
 
 #include "config/config.h"
 #include "filelist/columns.h"
-#include "filelist/filelist.h"
 #include "filelist/list_view.h"
-#include "filelist/navigation.h"
 #include "filelist/pane.h"
 #include "filelist/typeahead.h"
 #include "support/fake_programs.h"
 #include "support_gui/window_test.h"
-#include "ui/qt_widget.h"
 
 #include <QTest>
 
@@ -69,14 +66,8 @@ TEST_F(Selection, MouseSelectsTogglesAndExtends) {
     click("..");
     EXPECT_EQ(selected(), "");
     EXPECT_EQ(gDir->current, -1);
-}
-
-TEST_F(Selection, ADoubleClickThatAddsToTheSelectionOpensNothing) {
-    const std::string before = gDir->path;
     click("d", Qt::ControlModifier, true);
-    EXPECT_EQ(gDir->path, before);
-    click("d", Qt::NoModifier, true);
-    EXPECT_EQ(gDir->path, before + "/d");
+    EXPECT_EQ(gDir->path, sandbox_.path()) << "a double click that adds opens nothing";
 }
 
 TEST_F(Selection, ARebuildEndsWhatTheHeldButtonIsAbout) {
@@ -99,19 +90,19 @@ TEST_F(Selection, SweepingSelectsARange) {
 }
 
 TEST_F(Selection, KeysMoveExtendAndToggle) {
+    const std::tuple<Qt::Key, Qt::KeyboardModifiers, const char*, const char*> rows[] = {
+        {Qt::Key_Down, Qt::NoModifier, "abc", "abc"},
+        {Qt::Key_Down, Qt::ShiftModifier, "abc b.h", "b.h"},
+        {Qt::Key_Down, Qt::ShiftModifier, "abc b.h c.c", "c.c"},
+        {Qt::Key_Up, Qt::ShiftModifier, "abc b.h", "b.h"},
+        {Qt::Key_End, Qt::ControlModifier, "abc b.h", "d"},
+        {Qt::Key_Space, Qt::ControlModifier, "abc b.h d", "d"}};
     click("ab.c");
-    press(Qt::Key_Down);
-    EXPECT_EQ(selected(), "abc");
-    press(Qt::Key_Down, Qt::ShiftModifier);
-    press(Qt::Key_Down, Qt::ShiftModifier);
-    EXPECT_EQ(selected(), "abc b.h c.c");
-    press(Qt::Key_Up, Qt::ShiftModifier);
-    EXPECT_EQ(selected(), "abc b.h");
-    press(Qt::Key_End, Qt::ControlModifier);
-    EXPECT_EQ(selected(), "abc b.h");
-    EXPECT_EQ(gDir->current, index_of("d"));
-    press(Qt::Key_Space, Qt::ControlModifier);
-    EXPECT_EQ(selected(), "abc b.h d");
+    for (const auto& [key, held, names, current] : rows) {
+        press(key, held);
+        EXPECT_EQ(selected(), names);
+        EXPECT_EQ(gDir->current, index_of(current)) << names;
+    }
     press(Qt::Key_Home);
     EXPECT_EQ(selected(), "");
     EXPECT_EQ(gDir->current, -1);
@@ -129,7 +120,7 @@ TEST_F(Selection, KeysGoOnWhereAnEntryWasThatIsGone) {
     }
 }
 
-TEST_F(Selection, TypingSearchesAndEscapeKeepsTheSelection) {
+TEST_F(Selection, TypingSearchesEscapeKeepsTheSelectionAndEnterConfirms) {
     type("ab");
     EXPECT_EQ(text_of("status1"), "/ab");
     EXPECT_EQ(selected(), "ab.c");
@@ -144,18 +135,13 @@ TEST_F(Selection, TypingSearchesAndEscapeKeepsTheSelection) {
     type("/*.h");
     EXPECT_EQ(selected(), "b.h") << "typed text may be a pattern";
     press(Qt::Key_Escape);
-}
-
-TEST_F(Selection, EnterConfirmsASearchAndRepeatsTheLastOne) {
-    type("d");
-    press(Qt::Key_Return);
-    EXPECT_EQ(gDir->path, std::string(sandbox_.path()) + "/d");
-    fl_up();
-    fl_goto_index(0);
-    type("/");
-    press(Qt::Key_Return);
-    EXPECT_EQ(gDir->path, std::string(sandbox_.path()) + "/d");
-    fl_up();
+    for (const char* typed : {"d", "/"}) {  // the last search again
+        type(typed);
+        press(Qt::Key_Return);
+        EXPECT_EQ(gDir->path, sandbox_.file("d")) << typed;
+        fl_up();
+        fl_goto_index(0);
+    }
     type("?ab");
     EXPECT_EQ(selected(), "ab.c");
     press(Qt::Key_Return);
