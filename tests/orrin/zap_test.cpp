@@ -1,14 +1,11 @@
 // zap on real processes: which it reaches, and which it leaves alone.
 #include "support/child.h"
+#include "support/sandbox.h"
 
-#include <cerrno>
 #include <csignal>
+#include <filesystem>
 #include <gtest/gtest.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace dorn {
@@ -19,128 +16,91 @@ using Words = std::vector<std::string>;
 // Of this test alone: the signal reaches every process of the user that is called so.
 const std::string kName = "zt" + std::to_string(getpid());
 
-// A process called `name` that waits for a signal, as another user where one is given.
-class Target {
-  public:
-    explicit Target(const std::string& name, uid_t user = getuid()) {
-        int ready[2];
-        EXPECT_EQ(pipe(ready), 0);
-        pid_ = fork();
-        if (pid_ == 0) {
-            if (user != getuid() && setuid(user) != 0) _exit(99);
-            prctl(PR_SET_NAME, name.c_str());
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
-            if (write(ready[1], "x", 1) != 1) _exit(98);
-            for (;;)
-                pause();
-        }
-        char byte = 0;
-        close(ready[1]);
-        EXPECT_EQ(read(ready[0], &byte, 1), 1);
-        close(ready[0]);
+class Zap : public ::testing::Test {
+  protected:
+    // A process of that name, by default of the user, that waits for a signal.
+    pid_t start(const std::string& name, uid_t user = getuid()) const {
+        if (!std::filesystem::is_symlink(sandbox_.file(name))) sandbox_.link("/bin/sleep", name);
+        ChildSetting setting;
+        setting.before = [user] {
+            if (setuid(user) != 0) _exit(97);
+        };
+        const pid_t process = start_child({sandbox_.file(name), "60"}, setting);
+        const std::string kept = name.substr(0, 15) + "\n";
+        EXPECT_TRUE(wait_until([&] { return proc_file(process, "comm") == kept; })) << name;
+        return process;
     }
-    ~Target() {
-        end();
+    static std::string proc_file(pid_t process, const std::string& name) {
+        return read_file("/proc/" + std::to_string(process) + "/" + name);
     }
-    Target(const Target&) = delete;
-    Target& operator=(const Target&) = delete;
-
     // The signal that ended it: SIGKILL when none did before this call.
-    int end() {
-        if (pid_ <= 0) return -1;
-        kill(pid_, SIGKILL);
-        int status = 0;
-        waitpid(pid_, &status, 0);
-        pid_ = -1;
-        return WIFSIGNALED(status) ? WTERMSIG(status) : -1;
-    }
-    pid_t pid() const {
-        return pid_;
+    static int end(pid_t process) {
+        kill(process, SIGKILL);
+        return end_of_child(process) - 1000;
     }
 
-  private:
-    pid_t pid_ = -1;
+    Sandbox sandbox_;
 };
 
-// Lets pidfd_open fail as on a kernel without it.
-bool refuse_process_descriptors() {
-    sock_filter code[] = {
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, 0),  // the number of the system call
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_pidfd_open, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    };
-    const sock_fprog program = {std::size(code), code};
-    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
-           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
-}
-
-int zap(Words arguments, bool old_kernel = false) {
+int zap(Words arguments) {
     arguments.insert(arguments.begin(), DORN_ADAPTORS "/zap");
     ChildSetting setting;
     setting.errors = "/dev/null";
-    setting.before = [old_kernel] {
-        if (old_kernel && !refuse_process_descriptors()) _exit(97);
-    };
     return end_of_child(start_child(arguments, setting));
 }
 
-TEST(Zap, EveryProcessOfTheNameIsReachedAndNoOther) {
-    for (const bool old_kernel : {false, true}) {
-        Target one(kName), two(kName), longer(kName + "x"), shorter(kName.substr(0, 2));
-        EXPECT_EQ(zap({"-f", "-s", "SIGUSR1", kName}, old_kernel), 0);
-        EXPECT_EQ(one.end(), SIGUSR1);
-        EXPECT_EQ(two.end(), SIGUSR1);
-        EXPECT_EQ(longer.end(), SIGKILL);
-        EXPECT_EQ(shorter.end(), SIGKILL);
-        EXPECT_EQ(zap({"-f", "-s", "SIGUSR1", kName}, old_kernel), 1) << "nobody is left";
-    }
+TEST_F(Zap, EveryProcessOfTheNameIsReachedAndNoOther) {
+    const pid_t named[] = {start(kName), start(kName)};
+    const pid_t others[] = {start(kName + "x"), start(kName.substr(0, 2))};
+    EXPECT_EQ(zap({"-f", "-s", "SIGUSR1", kName}), 0);
+    for (const pid_t process : named)
+        EXPECT_EQ(end(process), SIGUSR1);
+    for (const pid_t process : others)
+        EXPECT_EQ(end(process), SIGKILL);
 }
 
-TEST(Zap, SignalsHaveNamesAndNumbers) {
-    const std::pair<Words, int> cases[] = {
+TEST_F(Zap, SignalsHaveNamesAndNumbers) {
+    const std::pair<Words, int> rows[] = {
         {{"-s", "SIGUSR2"}, SIGUSR2}, {{"-fs", "usr2"}, SIGUSR2}, {{"-s12"}, 12}, {{"-f"}, SIGTERM},
         {{"-s", "0"}, SIGKILL},
     };
-    for (const auto& [words, signal] : cases) {
-        Target target(kName);
-        Words arguments = words;
-        arguments.push_back(kName);
-        EXPECT_EQ(zap(arguments), 0) << words[0];
-        EXPECT_EQ(target.end(), signal) << words[0];
+    for (auto [words, signal] : rows) {
+        const pid_t target = start(kName);
+        words.push_back(kName);
+        EXPECT_EQ(zap(words), 0) << words[0];
+        EXPECT_EQ(end(target), signal) << words[0];
     }
-    Target target(kName);
-    for (const char* wrong : {"SIG", "", "-1", "999", "USR", "15x", "SIGSIGTERM"})
+    const pid_t target = start(kName);
+    for (const char* wrong : {"SIG", "", "-1", "999", "15x", "SIGSIGTERM"})
         EXPECT_EQ(zap({"-s", wrong, kName}), 2) << wrong;
     for (const Words& wrong : {Words{"-s", "TERM"}, Words{kName, kName}, Words{""}})
         EXPECT_EQ(zap(wrong), 2) << wrong[0];
-    EXPECT_EQ(target.end(), SIGKILL);
+    EXPECT_EQ(end(target), SIGKILL);
 }
 
-TEST(Zap, NamesMayHoldAnythingAndAreCutAsTheSystemCutsThem) {
-    for (const std::string& ending : {std::string("\n(x) Z"), std::string(") Z 1\tU"),
-                                      std::string("\xff\x01"), std::string("-a-very-long-name")}) {
+TEST_F(Zap, NamesMayHoldAnythingAndAreCutAsTheSystemCutsThem) {
+    for (const char* ending : {"\n(x) Z", ") Z 1\tU", "\xff\x01", "-a-very-long-name"}) {
         const std::string name = kName + ending;
-        Target target(name);
+        const pid_t target = start(name);
         EXPECT_EQ(zap({"-s", "USR1", name}), 0) << name;
-        EXPECT_EQ(target.end(), SIGUSR1) << name;
+        EXPECT_EQ(end(target), SIGUSR1) << name;
     }
 }
 
-TEST(Zap, AnotherUsersProcessIsLeftAloneEvenByRoot) {
-    if (getuid() != 0) GTEST_SKIP() << "only root can start a process as another user";
-    Target other(kName, 65534);
-    EXPECT_EQ(zap({"-s", "USR1", kName}), 1);
-    EXPECT_EQ(zap({"-s", "USR1", kName}, true), 1);
-    EXPECT_EQ(other.end(), SIGKILL);
-}
-
-TEST(Zap, AProcessThatHasEndedIsNone) {
-    Target target(kName);
-    kill(target.pid(), SIGKILL);
-    siginfo_t ended;
-    ASSERT_EQ(waitid(P_PID, static_cast<id_t>(target.pid()), &ended, WEXITED | WNOWAIT), 0);
+TEST_F(Zap, AProcessThatHasEndedOrIsAnotherUsersIsNone) {
+    const pid_t ended = start(kName);
+    kill(ended, SIGKILL);
+    const auto is_dead = [&] {
+        return proc_file(ended, "status").find("State:\tZ") != std::string::npos;
+    };
+    EXPECT_TRUE(wait_until(is_dead));
     EXPECT_EQ(zap({kName}), 1);
+    end(ended);
+    if (getuid() != 0) GTEST_SKIP() << "only root can start a process as another user";
+    ASSERT_EQ(chmod(sandbox_.path(), 0755), 0);
+    const pid_t other = start(kName, 65534);
+    EXPECT_EQ(zap({"-s", "USR1", kName}), 1) << "even by root";
+    EXPECT_EQ(end(other), SIGKILL);
 }
 
 }  // namespace
