@@ -1,198 +1,154 @@
 // Whole processes: start-up, what is kept per user, and the ways in which the program ends.
-#include "app/init.h"
 #include "config/config.h"
 #include "support/child.h"
 #include "support/sandbox.h"
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sstream>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace dorn {
 namespace {
 
-constexpr const char* kFlagsByte = "\xff";
-
-// What the program said, without what the toolkit says of the platform.
-std::string own_lines(const std::string& errors) {
-    std::istringstream lines(errors);
-    std::string own;
-    for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with("DORN") || line.starts_with("dorn")) own += line + "\n";
-    }
-    return own;
-}
+using Words = std::vector<std::string>;
 
 // A dorn of this build, run offscreen.
-class Process {
-  public:
-    Process(std::vector<std::string> arguments, const ChildSetting& setting) {
-        arguments.insert(arguments.begin(), DORN_PROGRAM);
-        pid_ = start_child(arguments, setting);
-    }
-    ~Process() {
-        if (pid_ < 0) return;
-        kill(pid_, SIGKILL);
-        waitpid(pid_, nullptr, 0);
-    }
-    Process(const Process&) = delete;
-    Process& operator=(const Process&) = delete;
-
-    // Waits until it shows that directory, which it works in, and its event loop runs.
-    bool shows(const std::string& path) const {
-        return wait_until([&] {
-            std::error_code error;
-            return std::filesystem::read_symlink(proc() + "cwd", error) == path && is_idle();
-        });
-    }
-    void send(int signal) const {
-        kill(pid_, signal);
-    }
-    int end(int signal) {
-        kill(pid_, signal);
-        const int status = end_of_child(pid_);
-        if (status >= 0) pid_ = -1;
-        return status;
-    }
-    std::string proc() const {
-        return "/proc/" + std::to_string(pid_) + "/";
-    }
-
-  private:
-    // It catches SIGTERM and sleeps in poll.
-    bool is_idle() const {
-        const std::string status = read_file(proc() + "status");
-        const std::size_t caught = status.find("SigCgt:");
-        if (caught == std::string::npos) return false;
-        const unsigned long mask = std::stoul(status.substr(caught + 7), nullptr, 16);
-        return (mask & (1ul << (SIGTERM - 1))) != 0 &&
-               status.find("State:\tS") != std::string::npos;
-    }
-
-    pid_t pid_ = -1;
-};
-
 class Start : public ::testing::Test {
   protected:
-    void SetUp() override {
-        sandbox_.mkdir("home");
-        sandbox_.mkdir("home/.or");
-        sandbox_.mkdir("shown");
-        home_ = sandbox_.file("home");
-        shown_ = sandbox_.file("shown");
-        kept_ = home_ + "/.or/dorn";
-        setting_.variables = {{"HOME", home_}, {"QT_QPA_PLATFORM", "offscreen"}};
+    Start() {
+        for (const char* name : {"home", "home/.or", "shown"})
+            sandbox_.mkdir(name);
+        setting_.variables = {{"HOME", sandbox_.file("home")}, {"QT_QPA_PLATFORM", "offscreen"}};
         setting_.errors = sandbox_.file("errors");
+        setting_.directory = shown_;
     }
-    int run_and_end(int signal, const std::vector<std::string>& arguments,
-                    const std::string& shows) {
-        Process dorn(arguments, setting_);
-        EXPECT_TRUE(dorn.shows(shows)) << shows;
-        const int status = dorn.end(signal);
-        errors_ = own_lines(sandbox_.read("errors"));
-        return status;
+    ~Start() override {
+        if (process_ >= 0) end(SIGKILL);
+    }
+
+    // Starts it and waits until it shows that directory.
+    void start(Words arguments, const std::string& directory) {
+        arguments.insert(arguments.begin(), DORN_PROGRAM);
+        process_ = start_child(arguments, setting_);
+        EXPECT_TRUE(shows(directory)) << directory;
+    }
+    // It works in what it shows, and has come to rest: it catches SIGTERM and sleeps.
+    bool shows(const std::string& directory) const {
+        return wait_until([&] {
+            std::error_code error;
+            if (std::filesystem::read_symlink(proc("cwd"), error) != directory) return false;
+            const std::string status = read_file(proc("status"));
+            const std::size_t caught = status.find("SigCgt:");
+            return caught != std::string::npos && status.find("State:\tS") != std::string::npos &&
+                   (std::stoul(status.substr(caught + 7), nullptr, 16) >> (SIGTERM - 1)) % 2 == 1;
+        });
+    }
+    int end(int signal) {
+        kill(process_, signal);
+        return end_of_child(std::exchange(process_, -1));
+    }
+    // Runs it once; what it said of itself.
+    std::string run(const Words& arguments, const std::string& directory, int signal = SIGTERM) {
+        start(arguments, directory);
+        EXPECT_EQ(end(signal), 0) << strsignal(signal);
+        const std::string errors = sandbox_.read("errors");
+        const std::size_t own = errors.find("DORN");
+        return own == std::string::npos ? "" : errors.substr(own, errors.find('\n', own) - own);
+    }
+    std::string proc(const std::string& name) const {
+        return "/proc/" + std::to_string(process_) + "/" + name;
+    }
+    std::string kept(const std::string& name) const {
+        return sandbox_.read("home/.or/dorn/" + name);
+    }
+    void keep(const std::string& name, const std::string& content) const {
+        sandbox_.write("home/.or/dorn/" + name, content);
     }
 
     Sandbox sandbox_;
-    std::string home_, shown_, kept_, errors_;
+    const std::string shown_ = sandbox_.file("shown");
     ChildSetting setting_;
+    pid_t process_ = -1;
 };
 
 TEST_F(Start, EverySignalThatEndsTheProgramSaves) {
     for (const int signal : {SIGTERM, SIGHUP, SIGINT, SIGQUIT}) {
-        unlink((kept_ + "/config.003").c_str());
-        EXPECT_EQ(run_and_end(signal, {shown_}, shown_), 0) << strsignal(signal);
-        const std::string config = read_file(kept_ + "/config.003");
+        std::filesystem::remove_all(sandbox_.file("home/.or/dorn"));
+        EXPECT_EQ(run({shown_}, shown_, signal), "");
+        const std::string config = kept("config.003");
         ASSERT_EQ(config.size(), 5692u) << strsignal(signal);
-        EXPECT_EQ(config.substr(4659, 1), kFlagsByte);
-        EXPECT_EQ(read_file(kept_ + "/hotlist.001"), "/\n");
-        EXPECT_EQ(read_file(kept_ + "/fspec.001"), "*\n");
-        EXPECT_EQ(errors_, "");
+        EXPECT_EQ(config[4659], '\xff') << "the highest byte of the flags";
+        EXPECT_EQ(kept("hotlist.001"), "/\n");
+        EXPECT_EQ(kept("fspec.001"), "*\n");
     }
     struct stat status {};
-    ASSERT_EQ(stat(kept_.c_str(), &status), 0);
+    ASSERT_EQ(stat(sandbox_.file("home/.or/dorn").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777u, 0700u);
 }
 
 TEST_F(Start, StateThatComesFromOneRunIsThereInTheNext) {
-    ASSERT_EQ(run_and_end(SIGTERM, {shown_}, shown_), 0);
-    std::string config = read_file(kept_ + "/config.003");
+    run({shown_}, shown_);
+    std::string config = kept("config.003");
     Config record;
+    ASSERT_EQ(config.size(), sizeof record);
     std::memcpy(&record, config.data(), sizeof record);
-    EXPECT_EQ(record.flags, 0xFF000925u);
     record.win_width = 700;
     record.column_width[0] = 222;
     record.show_hotlist = 0;
-    config.assign(reinterpret_cast<const char*>(&record), sizeof record);
-    std::ofstream(kept_ + "/config.003", std::ios::binary) << config;
-    std::ofstream(kept_ + "/hotlist.001") << shown_ << "\n/usr\n";
-    ASSERT_EQ(run_and_end(SIGTERM, {shown_}, shown_), 0);
-    EXPECT_EQ(read_file(kept_ + "/config.003"), config) << "byte for byte";
-    EXPECT_EQ(read_file(kept_ + "/hotlist.001"), shown_ + "\n/usr\n");
+    std::memcpy(config.data(), &record, sizeof record);
+    keep("config.003", config);
+    keep("hotlist.001", shown_ + "\n/usr\n");
+    run({shown_}, shown_);
+    EXPECT_EQ(kept("config.003"), config) << "byte for byte";
+    EXPECT_EQ(kept("hotlist.001"), shown_ + "\n/usr\n");
 }
 
 TEST_F(Start, DamagedConfigurationStartsAllTheSame) {
-    const std::string damaged[] = {std::string(100, '\xff'), std::string(5692, '\xff'),
-                                   std::string(5692, '\x80'), std::string(7000, 'x')};
-    mkdir(kept_.c_str(), 0700);
-    for (const std::string& content : damaged) {
-        std::ofstream(kept_ + "/config.003", std::ios::binary) << content;
-        std::ofstream(kept_ + "/hotlist.001", std::ios::binary)
-            << std::string(3000, '\xfe') << '\0';
-        EXPECT_EQ(run_and_end(SIGTERM, {shown_}, shown_), 0);
+    sandbox_.mkdir("home/.or/dorn");
+    for (const std::string& content : {std::string(100, '\xff'), std::string(5692, '\xff'),
+                                       std::string(5692, '\x80'), std::string(7000, 'x')}) {
+        keep("config.003", content);
+        keep("hotlist.001", std::string(3000, '\xfe') + '\0');
+        run({shown_}, shown_);
     }
 }
 
 TEST_F(Start, WithoutAUsableConfigurationDirectoryItSaysSoAndSavesNothing) {
-    rmdir((home_ + "/.or").c_str());
-    EXPECT_EQ(run_and_end(SIGTERM, {shown_}, shown_), 0);
-    EXPECT_EQ(errors_, "DORN error: unable to create config directory " + kept_ + "\n");
+    const std::string directory = sandbox_.file("home/.or/dorn"), error = "DORN error: unable to ";
+    rmdir(sandbox_.file("home/.or").c_str());
+    EXPECT_EQ(run({shown_}, shown_), error + "create config directory " + directory);
     sandbox_.mkdir("home/.or");
     sandbox_.write("home/.or/dorn", "a file");
-    EXPECT_EQ(run_and_end(SIGTERM, {shown_}, shown_), 0);
-    EXPECT_EQ(errors_, "DORN error: unable to access config directory " + kept_ + "\n");
-    EXPECT_EQ(read_file(kept_), "a file");
+    EXPECT_EQ(run({shown_}, shown_), error + "access config directory " + directory);
+    EXPECT_EQ(sandbox_.read("home/.or/dorn"), "a file");
     setting_.variables["HOME"] = "";
-    EXPECT_EQ(run_and_end(SIGTERM, {shown_}, shown_), 0);
-    EXPECT_EQ(errors_, "DORN error: unable to create config directory /.or/dorn\n");
+    EXPECT_EQ(run({shown_}, shown_), error + "create config directory /.or/dorn");
 }
 
 TEST_F(Start, StartDirectoryIsTheFirstArgumentThatIsNoOption) {
-    const std::string here = shown_;
-    ASSERT_EQ(chdir(here.c_str()), 0);
+    const std::string home = sandbox_.file("home");
     sandbox_.mkdir("shown/sub");
-    const std::pair<std::vector<std::string>, std::string> cases[] = {
-        {{"-x10", home_}, home_},     {{"-x", "10", home_}, here}, {{"sub"}, here + "/sub"},
-        {{home_ + "/missing"}, here}, {{"-h200", "-w300"}, here},  {{home_, "-w300"}, home_},
+    const std::pair<Words, std::string> rows[] = {
+        {{"-x10", home}, home},        {{"-x", "10", home}, shown_}, {{"sub"}, shown_ + "/sub"},
+        {{home + "/missing"}, shown_}, {{"-h200", "-w300"}, shown_}, {{home, "-w300"}, home},
     };
-    for (const auto& [arguments, shows] : cases)
-        EXPECT_EQ(run_and_end(SIGTERM, arguments, shows), 0) << arguments[0];
-    ASSERT_EQ(chdir("/"), 0);
+    for (const auto& [arguments, directory] : rows)
+        run(arguments, directory);
 }
 
-TEST_F(Start, ConfigurationDirectoryDoesNotFollowTheWorkingOne) {
-    ASSERT_EQ(chdir(sandbox_.path()), 0);
-    EXPECT_EQ(init_config_directory("home"), kept_);
-    ASSERT_EQ(chdir("/"), 0);
-}
-
-TEST_F(Start, WindowChangeSignalsRereadAndNeverEndIt) {
-    Process dorn({shown_}, setting_);
-    ASSERT_TRUE(dorn.shows(shown_));
-    EXPECT_EQ(read_file(dorn.proc() + "comm"), "dorn\n")
+TEST_F(Start, SignalsThatOthersSendNeverEndIt) {
+    start({shown_}, shown_);
+    EXPECT_EQ(read_file(proc("comm")), "dorn\n")
         << "the name that the broadcast after a file operation goes to";
     for (int i = 0; i < 200; ++i)
-        dorn.send(SIGWINCH);
+        kill(process_, SIGWINCH);
     for (const int signal : {SIGCHLD, SIGPIPE, SIGALRM})
-        dorn.send(signal);
-    ASSERT_TRUE(dorn.shows(shown_));
-    EXPECT_EQ(dorn.end(SIGTERM), 0);
+        kill(process_, signal);
+    EXPECT_TRUE(shows(shown_));
+    EXPECT_EQ(end(SIGTERM), 0);
 }
 
 }  // namespace
