@@ -10,7 +10,6 @@
 #include "support_gui/window_test.h"
 #include "ui/qt_widget.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
@@ -48,10 +47,8 @@ class DestMenuTest : public WindowTest {
     }
 
     static void clear_hotlist() {
-        while (!gTree.entries.empty()) {
-            const std::string first = gTree.entries.front();
-            tree_remove(&gTree, first.c_str());
-        }
+        while (!gTree.entries.empty())
+            tree_remove(&gTree, gTree.entries.front().c_str());
     }
     static void close_menus() {
         while (QWidget* popup = QApplication::activePopupWidget())
@@ -61,51 +58,47 @@ class DestMenuTest : public WindowTest {
     static DestMenu* top_menu() {
         return dynamic_cast<DestMenu*>(QApplication::activePopupWidget());
     }
-    /// Opens Copy To or Move To of the Edit menu by its mnemonic.
-    static DestMenu* open_cascade(Qt::Key mnemonic = Qt::Key_C) {
+    /// Opens Copy To or Move To of the Edit menu by its mnemonic, and the submenus of the entries
+    /// by the keyboard; all is known of the last one then.
+    static DestMenu* open_menu(Qt::Key mnemonic, const std::vector<std::size_t>& way = {}) {
         QApplication::setActiveWindow(window_);  // a question before may have taken that
         press(Qt::Key_E, Qt::AltModifier);
         QTest::keyClick(QApplication::activePopupWidget(), mnemonic);
         EXPECT_TRUE(QTest::qWaitFor([] { return top_menu() != nullptr; }));
-        return top_menu();
-    }
-    /// Opens the submenu of the entry by the keyboard and waits until all is known of it.
-    static DestMenu* open_submenu(DestMenu* menu, std::size_t index) {
-        menu->go_to(index);
-        QTest::keyClick(menu, Qt::Key_Right);
-        if (!QTest::qWaitFor([menu] { return top_menu() != menu && top_menu()->finished(); }))
-            return nullptr;
+        for (const std::size_t index : way) {
+            DestMenu* menu = top_menu();
+            menu->go_to(index);
+            QTest::keyClick(menu, Qt::Key_Right);
+            EXPECT_TRUE(
+                QTest::qWaitFor([menu] { return top_menu() != menu && top_menu()->finished(); }));
+        }
         return top_menu();
     }
     static std::string labels(const DestMenu* menu) {
         std::string text;
-        for (std::size_t i = 0; i < menu->shown(); ++i) {
-            const std::size_t entry = menu->first_shown() + i;
-            const char* kind = &"?>-"[static_cast<int>(menu->entries()[entry].kind)];
-            text += menu->action_of(entry)->text().toStdString() + *kind + ' ';
+        for (std::size_t i = 0; i < menu->entries().size(); ++i) {
+            const char kind = "?>-"[static_cast<int>(menu->entries()[i].kind)];
+            text += menu->action_of(i)->text().toStdString() + kind + ' ';
         }
         return text;
     }
-    /// What the question asks that comes up, which is answered by the button of that label.
-    static std::string answer(const QString& button) {
-        std::string said;
-        const auto answered = [&] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (box == nullptr) return !said.empty();
-            said = (box->windowTitle() + QStringLiteral(": ") + box->text()).toStdString();
-            for (QAbstractButton* offered : box->buttons()) {
-                if (offered->text() == button) offered->click();
-            }
-            return false;
-        };
+    /// What the question asks that comes up, which is answered by the key.
+    static std::string answer(Qt::Key key) {
+        QString said;
         QTimer timer;
-        timer.callOnTimeout(answered);
+        timer.callOnTimeout([&] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (box == nullptr) return;
+            said = box->windowTitle() + QStringLiteral(": ") + box->text();
+            QTest::keyClick(box, key);
+        });
         timer.start(1);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !said.empty(); }));
-        return said;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !said.isEmpty(); }));
+        return said.toStdString();
     }
-    bool on_disk(const std::string& name) const {
-        return QTest::qWaitFor([&] { return std::filesystem::exists(sandbox_.file(name)); });
+    bool on_disk(const std::string& name, bool there = true) const {
+        return QTest::qWaitFor(
+            [&] { return std::filesystem::exists(sandbox_.file(name)) == there; });
     }
 };
 
@@ -118,28 +111,18 @@ TEST_F(DestMenuTest, WithoutASelectionThereAreNoSuchMenus) {
 
 TEST_F(DestMenuTest, RootsAndSubdirectoriesAreItemsAndOnlyThoseWithDirectoriesOpen) {
     gConfig->flags |= kHideDotFiles;
-    DestMenu* roots = open_cascade();
-    ASSERT_NE(roots, nullptr);
-    EXPECT_EQ(roots->actions().front()->text(), QStringLiteral("&Other..."));
+    const DestMenu* roots = open_menu(Qt::Key_C);
     const std::string here = sandbox_.path();
     const std::string expected = here + "/to/> " + here + "/bare/- " + here + "/missing/- ";
     EXPECT_TRUE(QTest::qWaitFor([&] { return labels(roots) == expected; })) << labels(roots);
-    const DestMenu* to = open_submenu(roots, 0);
-    ASSERT_NE(to, nullptr);
+    close_menus();
+    const DestMenu* to = open_menu(Qt::Key_C, {0});
     EXPECT_EQ(labels(to), "9/> 10/- a&&b/- ?x?\u21B5/- ");
     EXPECT_EQ(to->path_of(3), sandbox_.file("to/x\xff\n"));
     EXPECT_EQ(to->current(), 0);
 }
 
 TEST_F(DestMenuTest, ADirectoryIsChosenByEnterByAClickOnAPlainOneAndByADoubleClick) {
-    struct Row {
-        Qt::Key cascade;
-        std::vector<std::size_t> way;  // through the entries; the last one is chosen
-        void (*choose)(DestMenu* menu, const QPoint& at);
-        const char* button;
-        std::string question;
-        const char* copied;  // null: nothing happens
-    };
     const auto enter = [](DestMenu* menu, const QPoint&) { QTest::keyClick(menu, Qt::Key_Return); };
     const auto click = [](DestMenu* menu, const QPoint& at) {
         QTest::mouseClick(menu, Qt::LeftButton, {}, at);
@@ -149,88 +132,53 @@ TEST_F(DestMenuTest, ADirectoryIsChosenByEnterByAClickOnAPlainOneAndByADoubleCli
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
         QTest::mouseClick(menu, Qt::LeftButton, {}, at);
     };
-    const std::string to = sandbox_.file("to");
-    const Row rows[] = {
-        {Qt::Key_C,
-         {0},
-         enter,
-         "&No",
-         "copy: Do you want to copy 2 files to\n'" + to + "'\n",
-         nullptr},
-        {Qt::Key_C,
-         {0, 0},
-         enter,
-         "&Yes",
-         "copy: Do you want to copy 2 files to\n'" + to + "/9'\n",
-         "to/9/two"},
-        {Qt::Key_C,
-         {0, 1},
-         click,
-         "&Yes",
-         "copy: Do you want to copy 2 files to\n'" + to + "/10'\n",
-         "to/10/one"},
-        {Qt::Key_C,
-         {0, 0},
-         twice,
-         "&No",
-         "copy: Do you want to copy 2 files to\n'" + to + "/9'\n",
-         nullptr},
-        {Qt::Key_M,
-         {0},
-         twice,
-         "&Yes",
-         "move: Do you want to move 2 files to\n'" + to + "'\n",
-         "to/one"},
+    const struct {
+        Qt::Key cascade;
+        std::vector<std::size_t> way;  // to the menu of the entry
+        std::size_t entry;
+        void (*choose)(DestMenu* menu, const QPoint& at);
+        Qt::Key answer;
+        std::string directory;
+    } rows[] = {
+        {Qt::Key_C, {}, 0, enter, Qt::Key_Escape, "to"},
+        {Qt::Key_C, {0}, 0, enter, Qt::Key_Return, "to/9"},
+        {Qt::Key_C, {0}, 1, click, Qt::Key_Return, "to/10"},
+        {Qt::Key_M, {}, 0, twice, Qt::Key_Return, "to"},
     };
-    for (const Row& row : rows) {
-        const std::string at = row.question;
-        DestMenu* menu = open_cascade(row.cascade);
-        ASSERT_NE(menu, nullptr) << at;
-        for (std::size_t step = 0; step + 1 < row.way.size(); ++step) {
-            menu = open_submenu(menu, row.way[step]);
-            ASSERT_NE(menu, nullptr) << at;
-        }
-        const std::size_t last = row.way.back();
-        menu->go_to(last);
-        row.choose(menu, menu->actionGeometry(menu->action_of(last)).center());
-        EXPECT_EQ(answer(QString::fromUtf8(row.button)), row.question);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.directory);
+        DestMenu* menu = open_menu(row.cascade, row.way);
+        menu->go_to(row.entry);
+        row.choose(menu, menu->actionGeometry(menu->action_of(row.entry)).center());
+        const std::string verb = row.cascade == Qt::Key_C ? "copy" : "move";
+        EXPECT_EQ(answer(row.answer), verb + ": Do you want to " + verb + " 2 files to\n'" +
+                                          sandbox_.file(row.directory) + "'\n");
         EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-        if (row.copied != nullptr) {
-            EXPECT_TRUE(on_disk(row.copied)) << row.copied;
-        }
+        EXPECT_TRUE(on_disk(row.directory + "/two", row.answer == Qt::Key_Return));
     }
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return !std::filesystem::exists(sandbox_.file("src/two")); }));
+    EXPECT_TRUE(on_disk("src/two", false));
 }
 
 TEST_F(DestMenuTest, ALongListIsAWindowThatKeysTypingAndItsEndsMove) {
     for (int i = 0; i < 300; ++i)
         sandbox_.mkdir("bare/d" + std::to_string(i));
-    DestMenu* menu = open_submenu(open_cascade(), 1);
-    ASSERT_NE(menu, nullptr);
+    DestMenu* menu = open_menu(Qt::Key_C, {1});
     ASSERT_EQ(menu->entries().size(), 300U);
     ASSERT_LT(menu->shown(), 200U);
     EXPECT_LE(menu->height(), menu->screen()->availableGeometry().height());
-    const auto name = [menu] { return menu->entries()[menu->current().value_or(0)].name; };
-    struct Row {
-        Qt::Key key;
-        const char* typed;
-        const char* name;
+    const std::tuple<Qt::Key, const char*, const char*> rows[] = {
+        {Qt::Key_End, "", "d99"},     {Qt::Key_Down, "", "d0"},   {Qt::Key_Up, "", "d99"},
+        {Qt::Key_Home, "d25", "d25"}, {Qt::Key_Down, "", "d250"}, {Qt::Key_PageDown, "", nullptr},
+        {Qt::Key_PageUp, "", "d250"},
     };
-    const Row rows[] = {
-        {Qt::Key_End, "", "d99"},        {Qt::Key_Down, "", "d0"},     {Qt::Key_Up, "", "d99"},
-        {Qt::Key_Home, "", "d0"},        {Qt::Key(0), "d25", "d25"},   {Qt::Key_Down, "", "d250"},
-        {Qt::Key_PageDown, "", nullptr}, {Qt::Key_PageUp, "", "d250"},
-    };
-    for (const Row& row : rows) {
-        if (row.key != Qt::Key(0)) QTest::keyClick(menu, row.key);
-        QTest::keyClicks(menu, QString::fromUtf8(row.typed));
-        if (row.name != nullptr) {
-            EXPECT_EQ(name(), row.name);
-        }
-        const std::size_t entry = menu->current().value_or(5000);
-        EXPECT_NE(menu->action_of(entry), nullptr) << "out of sight: " << entry;
-        EXPECT_EQ(menu->activeAction()->text().toStdString(), name() + "/");
+    for (const auto& [key, typed, expected] : rows) {
+        QTest::keyClick(menu, key);
+        QTest::keyClicks(menu, QString::fromUtf8(typed));
+        const std::size_t entry = menu->current().value_or(0);
+        const std::string name = menu->entries()[entry].name;
+        EXPECT_EQ(name, expected == nullptr ? name : expected);
+        ASSERT_NE(menu->action_of(entry), nullptr) << "out of sight: " << name;
+        EXPECT_EQ(menu->activeAction()->text().toStdString(), name + "/");
     }
     EXPECT_FALSE(menu->has_open_submenu());
     const std::size_t first = menu->first_shown();
@@ -270,25 +218,22 @@ TEST_F(DestMenuTest, OtherAsksForADirectoryWithHistoryAndCompletion) {
     fl_unselect_all();
     type("one");
     fl_select_all();
-    struct Row {
+    const struct {
         QString typed;
-        Qt::Key key;        // pressed after typing
-        const char* field;  // what is there then; null: the prompt is gone
-        const char* copied;
-        const char* said;  // by an alert
-    };
-    const QString here = QString::fromStdString(sandbox_.path());
-    const std::string to = sandbox_.file("to/");
-    const Row rows[] = {
-        {here + QStringLiteral("/t"), Qt::Key_Tab, to.c_str(), nullptr, ""},
-        {QString(), Qt::Key_Return, "", nullptr, ""},
-        {here + QStringLiteral("/bare"), Qt::Key_Escape, nullptr, nullptr, ""},
-        {QStringLiteral("../bare\n"), Qt::Key_Return, nullptr, "bare/one", ""},
-        {QStringLiteral("\u20AC"), Qt::Key_Return, nullptr, nullptr,
+        Qt::Key key;            // pressed after typing
+        std::string left = {};  // in the field then; empty: the prompt is gone
+        std::string copied = {};
+        std::string said = {};  // by an alert
+    } rows[] = {
+        {QStringLiteral("../t"), Qt::Key_Tab, sandbox_.file("src/../to/")},
+        {QStringLiteral("../bare"), Qt::Key_Escape},
+        {QStringLiteral("../bare\n"), Qt::Key_Return, "", "bare/one"},
+        {QStringLiteral("\u20AC"), Qt::Key_Return, "", "",
          "Error: Unable to translate '\u20AC' into 'ISO-8859-1' encoding."},
     };
-    for (const Row& row : rows) {
-        if (row.said[0] != '\0') {
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.typed.toStdString());
+        if (!row.said.empty()) {
             std::strcpy(gConfig->alt_encoding, "ISO-8859-1");
             fname_set_translation(kEncodingAlternate, "ISO-8859-1");
         }
@@ -296,25 +241,18 @@ TEST_F(DestMenuTest, OtherAsksForADirectoryWithHistoryAndCompletion) {
         QTimer::singleShot(20, [&] {
             auto* combo = qt_instance<QComboBox>("dest_path");
             auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (combo == nullptr || dialog == nullptr) return;
+            ASSERT_TRUE(combo != nullptr && dialog != nullptr);
             seen = dialog->windowTitle() == QStringLiteral("Copy to");
             combo->setEditText(row.typed);
             QTest::keyClick(combo->lineEdit(), row.key);
-            EXPECT_EQ(dialog->isVisible(), row.field != nullptr);
-            if (row.field != nullptr) {
-                EXPECT_EQ(combo->currentText().toStdString(), row.field);
-            }
-            if (dialog->isVisible()) dialog->reject();
+            EXPECT_EQ(dialog->isVisible(), !row.left.empty());
+            if (!dialog->isVisible()) return;
+            EXPECT_EQ(combo->currentText().toStdString(), row.left);
+            dialog->reject();
         });
-        DestMenu* menu = open_cascade();
-        QTest::keyClick(menu, Qt::Key_O);
-        const std::string said =
-            alerts_of([&] { EXPECT_TRUE(QTest::qWaitFor([&] { return seen; })); });
-        EXPECT_EQ(said, row.said);
-        EXPECT_TRUE(seen) << row.typed.toStdString();
-        if (row.copied != nullptr) {
-            EXPECT_TRUE(on_disk(row.copied));
-        }
+        QTest::keyClick(open_menu(Qt::Key_C), Qt::Key_O);
+        EXPECT_EQ(alerts_of([&] { EXPECT_TRUE(QTest::qWaitFor([&] { return seen; })); }), row.said);
+        EXPECT_TRUE(row.copied.empty() || on_disk(row.copied));
     }
     EXPECT_STREQ(cl_get(gCopyList.get(), 2), "../bare");
 }
