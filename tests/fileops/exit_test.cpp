@@ -61,13 +61,10 @@ TEST_F(Exit, ClosingTheWindowAndSignalsCancelEveryOperationAndItsQuestion) {
         halted->paused = 1;
         start_copy();
         QTimer asked;
-        QObject::connect(&asked, &QTimer::timeout, [&] {
+        asked.callOnTimeout([&] {
             if (QApplication::activeModalWidget() == nullptr) return;
             asked.stop();
-            if (by_signal)
-                signal_terminate();
-            else
-                window_->close();
+            by_signal ? signal_terminate() : static_cast<void>(window_->close());
         });
         asked.start(1);
         EXPECT_TRUE(QTest::qWaitFor([] { return sEnded > 0; }, 20000));

@@ -12,10 +12,7 @@
 
 #include <QApplication>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -27,44 +24,34 @@
 namespace dorn {
 namespace {
 
-// What a worker does beside its files. It goes on until `finish` is set or it is cancelled.
-struct FakeWork {
-    std::atomic<bool> finish{false};
-    std::atomic<int> asks{0};    // questions that it is still to ask
-    std::atomic<int> answer{0};  // the last one's
-    std::atomic<bool> ended{false};
-};
-
-void work(FileOp* op, const std::shared_ptr<FakeWork>& what) {
-    while (!what->finish && fop_pause_trap(op) == 0) {
-        fop_update_info(op, "Copying", "From: ", "/home/user/a", "To: ", "/tmp/a", 40, 75);
-        if (what->asks > 0) {
-            --what->asks;
-            what->answer = fop_alert(op, "Copy", "&Skip|@&Overwrite|#&Abort", "%s exists.", "a");
-        }
-        std::this_thread::yield();
-    }
-    slot_mark_removed(op->display->panel);
-    delete op->display;
-    delete op;
-    what->ended = true;
-}
-
+// An operation without files. It goes on until `finish` is set or it is cancelled.
 struct FakeOperation {
-    Widget* panel = nullptr;
-    std::shared_ptr<FakeWork> what = std::make_shared<FakeWork>();
+    struct Work {
+        std::atomic<bool> finish{false};
+        std::atomic<int> asks{0};    // questions that it is still to ask
+        std::atomic<int> answer{0};  // the last one's
+    };
 
-    static FakeOperation start() {
-        FakeOperation operation;
+    FakeOperation() {
         const SlotDisplay* display = slot_add();
-        if (display == nullptr) return operation;
-        operation.panel = display->panel;
+        panel = display->panel;
         auto* op = new FileOp{};
-        op->total_files = 3;
         op->display = new SlotDisplay(*display);
-        std::thread([op, what = operation.what] { work(op, what); }).detach();
-        slot_set_op(operation.panel, op);
-        return operation;
+        std::thread([op, what = what] { work(op, *what); }).detach();
+        slot_set_op(panel, op);
+    }
+    static void work(FileOp* op, Work& what) {
+        while (!what.finish && fop_pause_trap(op) == 0) {
+            fop_update_info(op, "Copying", "From: ", "/home/user/a", "To: ", "/tmp/a", 40, 75);
+            if (what.asks > 0) {
+                --what.asks;
+                what.answer = fop_alert(op, "Copy", "&Skip|@&Overwrite|#&Abort", "%s exists.", "a");
+            }
+            std::this_thread::yield();
+        }
+        slot_mark_removed(op->display->panel);
+        delete op->display;
+        delete op;
     }
     SlotPanel* shown() const {
         return static_cast<SlotPanel*>(qt(panel));
@@ -75,14 +62,17 @@ struct FakeOperation {
         }
         return nullptr;
     }
+
+    Widget* panel;
+    std::shared_ptr<Work> what = std::make_shared<Work>();
 };
 
 bool wait_until(const std::function<bool()>& condition) {
     return QTest::qWaitFor(condition, 20000);
 }
 
-QMessageBox* question() {
-    return qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+QWidget* question() {
+    return QApplication::activeModalWidget();
 }
 
 // Runs `act` once from the event loop while a question is up.
@@ -125,41 +115,37 @@ class Slots : public ::testing::Test {
     FakePrograms fakes_;
 };
 
-TEST_F(Slots, TheNewestIsAtTheTopAndTheWindowGrowsWithThemUpToItsLimit) {
+TEST_F(Slots, TheNewestIsAtTheTopOfAWindowThatScrollsAndThereIsALimit) {
     std::vector<Widget*> panels;
     for (int i = 0; i < kMaxSlots; ++i)
         panels.push_back(slot_add()->panel);
     errno = 0;
     EXPECT_EQ(slot_add(), nullptr);
     EXPECT_EQ(errno, ENOMEM);
-    const auto* area = qt_instance<QScrollArea>("slots_holder");
-    ASSERT_NE(area, nullptr);
     QApplication::processEvents();
     const int height = qt(panels[0])->height();
     for (int i = 0; i < kMaxSlots; ++i)
         EXPECT_EQ(qt(panels[std::size_t(i)])->y(), (kMaxSlots - 1 - i) * height);
-    const int full_width = area->window()->width();
-    EXPECT_EQ(area->window()->height() % height, 0);
-    EXPECT_EQ(area->verticalScrollBar()->singleStep(), height);
+    const QWidget* window = qt(panels[0])->window();
+    EXPECT_LT(window->height(), kMaxSlots * height);
     while (n_slots > 1)
         slot_remove(panels[std::size_t(n_slots) - 1]);
-    EXPECT_EQ(area->window()->height(), height);
-    EXPECT_EQ(full_width, area->window()->width() + 15);
+    EXPECT_EQ(window->height(), height);
     EXPECT_EQ(slot_remove(panels[0]), 0);
     EXPECT_EQ(slot_remove(panels[0]), -1);
 }
 
 TEST_F(Slots, TheCancelQuestionHaltsTheOperationAndLeavesItAsItsAnswerSays) {
-    struct {
+    const struct {
         bool paused;
         Qt::Key key;
         bool cancelled;
-    } const rows[] = {{false, Qt::Key_Escape, false},
-                      {true, Qt::Key_Escape, false},
-                      {true, Qt::Key_Return, true},
-                      {false, Qt::Key_Return, true}};
+    } rows[] = {{false, Qt::Key_Escape, false},
+                {true, Qt::Key_Escape, false},
+                {true, Qt::Key_Return, true},
+                {false, Qt::Key_Return, true}};
     for (const auto& row : rows) {
-        const FakeOperation operation = FakeOperation::start();
+        const FakeOperation operation;
         if (row.paused) operation.shown()->pause_button()->click();
         EXPECT_EQ(operation.op()->paused != 0, row.paused);
         while_asked([&] {
@@ -179,8 +165,8 @@ TEST_F(Slots, TheCancelQuestionHaltsTheOperationAndLeavesItAsItsAnswerSays) {
 }
 
 TEST_F(Slots, AnOperationThatEndsTakesItsCancelQuestionWithIt) {
-    const FakeOperation ending = FakeOperation::start();
-    const FakeOperation other = FakeOperation::start();
+    const FakeOperation ending;
+    const FakeOperation other;
     while_asked([&] { ending.op()->cancelled = 1; });
     ending.shown()->cancel_button()->click();
     EXPECT_EQ(question(), nullptr);
@@ -189,36 +175,28 @@ TEST_F(Slots, AnOperationThatEndsTakesItsCancelQuestionWithIt) {
 }
 
 TEST_F(Slots, TheLongNameDialogGivesTheNameTypedOrSkips) {
-    const FakeOperation asking = FakeOperation::start();
-    const struct {
-        const char* button;
-        std::string typed;
-        int renames;
-        std::string name;
-    } rows[] = {{"long_filename_rename", "shorter", 1, "shorter"},
-                {"long_filename_rename", "", 1, "proposed\xff"},
-                {"long_filename_rename", "?proposed?", 1, "proposed\xff"},
-                {"long_filename_skip", "shorter", 0, "proposed\xff"}};
-    for (const auto& row : rows) {
+    const FakeOperation asking;
+    const std::tuple<const char*, const char*, int, const char*> rows[] = {
+        {"long_filename_rename", "shorter", 1, "shorter"},
+        {"long_filename_rename", "", 1, "proposed\xff"},
+        {"long_filename_rename", "?proposed?", 1, "proposed\xff"},
+        {"long_filename_skip", "shorter", 0, "proposed\xff"}};
+    for (const auto& [button, typed, renames, name] : rows) {
         newfile = "proposed\xff";
         do_rename = 0;
-        QTimer::singleShot(0, [&] {
-            QWidget* dialog = QApplication::activeModalWidget();
-            dialog->findChild<QLineEdit*>(QStringLiteral("long_filename_newname"))
-                ->setText(QString::fromStdString(row.typed));
-            dialog->findChild<QPushButton*>(QLatin1String(row.button))->click();
+        while_asked([button = button, typed = typed] {
+            qt_instance<QLineEdit>("long_filename_newname")->setText(QString::fromUtf8(typed));
+            qt_instance<QPushButton>(button)->click();
         });
         long_filename_ask(asking.panel);
-        EXPECT_EQ(do_rename, row.renames);
-        EXPECT_EQ(newfile, row.name);
+        EXPECT_EQ(do_rename, renames);
+        EXPECT_EQ(newfile, name);
     }
 }
 
 TEST_F(Slots, OthersEndAndAreRemovedWhileOneWaitsForAnAnswer) {
-    const FakeOperation asking = FakeOperation::start();
-    std::vector<FakeOperation> others;
-    for (int i = 0; i < 5; ++i)
-        others.push_back(FakeOperation::start());
+    const FakeOperation asking;
+    const std::vector<FakeOperation> others(5);
     bool removed = false;
     asking.what->asks = 1;
     while_asked([&] {
@@ -233,9 +211,7 @@ TEST_F(Slots, OthersEndAndAreRemovedWhileOneWaitsForAnAnswer) {
 }
 
 TEST_F(Slots, EveryInstanceIsToldOnceForAllThatEndedTogether) {
-    std::vector<FakeOperation> operations;
-    for (int i = 0; i < 3; ++i)
-        operations.push_back(FakeOperation::start());
+    const std::vector<FakeOperation> operations(3);
     for (const FakeOperation& operation : operations)
         operation.what->finish = true;
     for (const FakeOperation& operation : operations)
@@ -254,25 +230,25 @@ TEST_F(Slots, AFailedOneGoesByItsButtonAndKeepsNoProgramAlive) {
     EXPECT_EQ(sEnded, 1);
     const SlotDisplay* failed = slot_add();
     slot_set_op(failed->panel, nullptr);
-    const FakeOperation running = FakeOperation::start();
+    const FakeOperation running;
     sClosed = true;
     slot_terminate_all(n_slots);
     EXPECT_TRUE(wait_until([] { return sEnded > 1; }));
-    EXPECT_TRUE(running.what->ended);
+    EXPECT_EQ(running.op(), nullptr);
     EXPECT_EQ(n_slots, 1);
     static_cast<SlotPanel*>(qt(failed->panel))->cancel_button()->click();
     EXPECT_EQ(n_slots, 0);
 }
 
 TEST_F(Slots, AClosedWindowComesBackWhenAskedForAndWithTheNextOperation) {
-    const FakeOperation first = FakeOperation::start();
+    const FakeOperation first;
     QWidget* window = first.shown()->window();
     EXPECT_TRUE(window->isVisible());
     for (const bool by_operation : {false, true}) {
         window->close();
         EXPECT_TRUE(slots_window_is_hidden());
         if (by_operation)
-            FakeOperation::start();
+            FakeOperation();
         else
             slots_show();
         EXPECT_TRUE(window->isVisible());

@@ -22,7 +22,7 @@
 namespace dorn {
 namespace {
 
-constexpr int kFolders = 8, kFilesEach = 10;
+constexpr int kFolders = 8, kFilesEach = 10, kTargets = kMaxSlots / 2;
 
 class Stress : public ::testing::Test {
   protected:
@@ -37,20 +37,19 @@ class Stress : public ::testing::Test {
             for (int file = 0; file < kFilesEach; ++file)
                 sandbox_.write(file_name(folder, file), std::string(40000, 'x'));
         }
-        for (int i = 0; i < kMaxSlots / 2; ++i)
+        for (int i = 0; i < kTargets; ++i)
             sandbox_.mkdir("target" + std::to_string(i));
-        QObject::connect(&answers_, &QTimer::timeout, [this] { answer(); });
+        answers_.callOnTimeout([this] { answer(); });
         answers_.start(1);
     }
     void TearDown() override {
-        EXPECT_TRUE(QTest::qWaitFor(
-            [] {
-                for (const auto& one : slot) {
-                    if (one->op != nullptr) one->op->cancelled = 1;
-                }
-                return n_slots == 0;
-            },
-            60000));
+        const auto all_ended = [] {
+            for (const auto& one : slot) {
+                if (one->op != nullptr) one->op->cancelled = 1;
+            }
+            return n_slots == 0;
+        };
+        EXPECT_TRUE(QTest::qWaitFor(all_ended, 60000));
         FakePrograms::wait();
         gConfig = before_;
     }
@@ -58,14 +57,14 @@ class Stress : public ::testing::Test {
     static std::string file_name(int folder, int file) {
         return "source/folder" + std::to_string(folder) + "/file" + std::to_string(file);
     }
-    int below(std::size_t limit) {
-        return static_cast<int>(random_() % limit);
+    int below(int limit) {
+        return static_cast<int>(random_() % static_cast<unsigned>(limit));
     }
     // A copy of all into a folder, a move from one folder to another, or a delete there.
     void start() {
-        const std::string from = sandbox_.file("target" + std::to_string(below(kMaxSlots / 2)));
-        const std::string to = sandbox_.file("target" + std::to_string(below(kMaxSlots / 2)));
-        const std::vector<std::string> one = {names_[std::size_t(below(kFolders))]};
+        const std::string from = sandbox_.file("target" + std::to_string(below(kTargets)));
+        const std::string to = sandbox_.file("target" + std::to_string(below(kTargets)));
+        const std::vector<std::string> one = {"folder" + std::to_string(below(kFolders))};
         const int kind = below(4);
         if (kind == 0)
             fop_start_cmd(kFopMove, from.c_str(), one, to.c_str());
@@ -82,7 +81,7 @@ class Stress : public ::testing::Test {
         QTest::keyClick(question, below(2) == 0 ? Qt::Key_Return : Qt::Key_Escape);
     }
     void press_a_button() {
-        const Slot& one = *slot[std::size_t(below(slot.size()))];
+        const Slot& one = *slot[std::size_t(below(n_slots))];
         const auto* panel = static_cast<SlotPanel*>(qt(one.display.panel));
         if (below(30) == 0)
             panel->cancel_button()->click();
