@@ -62,9 +62,9 @@ TEST_F(DirSort, NamesOfDigitsCompareByValueAndOthersByBytes) {
         {"", "0", 0},
         {"", "a", -1},
         {"10", "1a", -1},
-        {"99999999999999999999", "100000000000000000000", -1},
-        {"4294967296", "1", 1},
         {"\xFF", "a", 1},
+        {"4294967296", "1", 1},
+        {"99999999999999999999", "100000000000000000000", -1},
     };
     for (const auto& [one, other, order] : rows) {
         const DirEntry& a = add(one);
@@ -116,26 +116,26 @@ int compare_plainly(const void* a, const void* b) {
 TEST_F(DirSort, OrderIsThatOfTheLibrarysSortWithTheComparators) {
     std::mt19937 random(1);
     const auto pick = [&](unsigned count) { return static_cast<unsigned>(random() % count); };
-    const std::string prefixes[] = {"", "common", "c"};
     char target[] = "target";
-    for (const DirCompare compare : {dir_cmp_name, dir_cmp_size, dir_cmp_date, dir_cmp_user,
-                                     dir_cmp_group, dir_cmp_permissions, dir_cmp_link}) {
-        for (const std::string& prefix : prefixes) {
-            pointers_.clear();
-            for (int n = 0; n < 500; ++n) {
-                const bool number = prefix != "common" && pick(3) == 0;
-                std::string name = number ? "" : prefix;
-                for (unsigned left = 1 + pick(12); left > 0; --left)
-                    name += static_cast<char>(number ? '0' + pick(10) : 0x30 + pick(0xD0));
-                DirEntry& entry = add(name.c_str());
-                entry.size = pick(20);
-                entry.mtime = static_cast<uint32_t>(random());
-                entry.uid = 1000 + static_cast<int32_t>(pick(8));
-                entry.gid = static_cast<int32_t>(pick(8));
-                entry.mode = pick(0xFFFF);
-                entry.flags = pick(2) == 0 ? kEntryLink : 0;
-                entry.link_text = target;
-            }
+    for (const std::string prefix : {"", "common", "c"}) {
+        entries_.clear();
+        pointers_.clear();
+        for (int n = 0; n < 500; ++n) {
+            const bool number = prefix != "common" && pick(3) == 0;
+            std::string name = number ? "" : prefix;
+            for (unsigned left = 1 + pick(12); left > 0; --left)
+                name += static_cast<char>(number ? '0' + pick(10) : 0x30 + pick(0xD0));
+            DirEntry& entry = add(name.c_str());
+            entry.size = pick(20);
+            entry.mtime = static_cast<uint32_t>(random());
+            entry.uid = static_cast<int32_t>(pick(8));
+            entry.gid = static_cast<int32_t>(pick(8));
+            entry.mode = pick(0xFFFF);
+            entry.flags = pick(2) == 0 ? kEntryLink : 0;
+            entry.link_text = target;
+        }
+        for (const DirCompare compare : {dir_cmp_name, dir_cmp_size, dir_cmp_date, dir_cmp_user,
+                                         dir_cmp_group, dir_cmp_permissions, dir_cmp_link}) {
             std::vector<DirEntry*> expected = pointers_;
             sCompare = compare;
             std::qsort(expected.data(), expected.size(), sizeof(DirEntry*), compare_plainly);
@@ -147,19 +147,14 @@ TEST_F(DirSort, OrderIsThatOfTheLibrarysSortWithTheComparators) {
 
 TEST_F(DirSort, EachIdIsAskedOfTheSystemOnceASort) {
     constexpr int kIds = 300;
-    constexpr int32_t kFirstId = 700000000;
     for (int n = 0; n < 3000; ++n) {
         DirEntry& entry = add(std::to_string(n).c_str());
-        entry.uid = kFirstId + n % kIds;
-        entry.gid = kFirstId + n % kIds;
+        entry.uid = entry.gid = 700000000 + n % kIds;
     }
     for (const DirCompare compare : {dir_cmp_user, dir_cmp_group}) {
         const uint64_t before = dir_name_lookups();
-        const Names names = sorted(compare);
+        sorted(compare);
         EXPECT_EQ(dir_name_lookups() - before, uint64_t{kIds});
-        EXPECT_EQ(names[0], "0");
-        EXPECT_EQ(names[1], "300");
-        EXPECT_EQ(names[10], "1");
     }
 }
 

@@ -1,10 +1,8 @@
 #include "dirmodel/name_match.h"
 
 #include <gtest/gtest.h>
-#include <string>
 
-namespace dorn {
-namespace {
+using namespace dorn;
 
 TEST(NameMatch, PatternsAreTriedFromTheLeft) {
     const std::string long_name(700, 'x');
@@ -29,6 +27,3 @@ TEST(NameMatch, PatternsAreTriedFromTheLeft) {
     for (const auto& [name, patterns, matches] : rows)
         EXPECT_EQ(es_strcmp(name, patterns) == 0, matches) << name << " against " << patterns;
 }
-
-}  // namespace
-}  // namespace dorn

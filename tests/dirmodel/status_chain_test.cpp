@@ -3,6 +3,7 @@
 #include "dirmodel/dir_read.h"
 #include "support/sandbox.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -43,11 +44,11 @@ std::string status_of_mode(uint32_t mode) {
 }
 
 TEST(StatusChain, RecordsAreFoundWhereTheNameEndsAndNoneBeyondTheLength) {
+    FileStatus status{};
     for (std::size_t length = 1; length <= 17; ++length) {
         auto bytes = delivered(std::string(length, 'n'),
                                {{77, "odd"}, {kExtraLstat, status_of_mode(0100600)}});
         auto* entry = reinterpret_cast<RawDirEntry*>(bytes.data());
-        FileStatus status{};
         EXPECT_EQ(lstat_optimize(entry, &status), 0) << length;
         EXPECT_EQ(status.mode, 0100600U);
         EXPECT_EQ(stat_optimize(entry, &status), 0);
@@ -55,41 +56,28 @@ TEST(StatusChain, RecordsAreFoundWhereTheNameEndsAndNoneBeyondTheLength) {
             EXPECT_EQ(lstat_optimize(entry, &status), -1) << entry->reclen;
     }
     const auto brief = delivered("name", {{kExtraLstat, "brief"}});
-    FileStatus status{};
     EXPECT_EQ(lstat_optimize(reinterpret_cast<const RawDirEntry*>(brief.data()), &status), -1);
 }
 
-const std::string kLink = status_of_mode(0120777);
-
-class EntryFill : public testing::Test {
-  protected:
-    EntryFill() : directory_(open(sandbox_.path(), O_RDONLY | O_DIRECTORY)) {}
-    ~EntryFill() override {
-        close(directory_);
-        std::free(entry_.link_text);
+TEST(StatusChain, CarriedLinkWithoutTargetIsBroken) {
+    const Sandbox sandbox;
+    sandbox.mkdir("folder");
+    sandbox.link("folder", "link");
+    const int directory = open(sandbox.path(), O_RDONLY | O_DIRECTORY);
+    const std::pair<uint16_t, std::string> own = {kExtraLstat, status_of_mode(0120777)};
+    const std::tuple<std::pair<uint16_t, std::string>, int32_t, const char*> rows[] = {
+        {{kExtraLink, "folder"}, ETIMEDOUT, "folder"},
+        {{kExtraStat, status_of_mode(040755)}, 0, "(unable to read link info)"}};
+    for (const auto& [second, error, text] : rows) {
+        const auto bytes = delivered("link", {own, second}, error);
+        DirEntry entry{};
+        entry_fill(&entry, *reinterpret_cast<const RawDirEntry*>(bytes.data()), directory);
+        EXPECT_EQ(entry.flags, kEntryLink | kEntryBroken);
+        EXPECT_STREQ(entry.link_text, text);
+        EXPECT_EQ(is_directory(entry), error == 0);
+        std::free(entry.link_text);
     }
-
-    void fill(const std::string& name, const Records& records, int32_t error = 0) {
-        entry_.flags = 0;
-        const auto bytes = delivered(name, records, error);
-        entry_fill(&entry_, *reinterpret_cast<const RawDirEntry*>(bytes.data()), directory_);
-    }
-
-    Sandbox sandbox_;
-    int directory_;
-    DirEntry entry_{};
-};
-
-TEST_F(EntryFill, CarriedLinkWithoutTargetIsBroken) {
-    sandbox_.mkdir("folder");
-    sandbox_.link("folder", "link");
-    fill("link", {{kExtraLstat, kLink}, {kExtraLink, "folder"}}, ETIMEDOUT);
-    EXPECT_EQ(entry_.flags, kEntryLink | kEntryBroken);
-    EXPECT_STREQ(entry_.link_text, "folder");
-    fill("link", {{kExtraLstat, kLink}, {kExtraStat, status_of_mode(040755)}});
-    EXPECT_EQ(entry_.flags, kEntryLink | kEntryBroken);
-    EXPECT_STREQ(entry_.link_text, "(unable to read link info)");
-    EXPECT_TRUE(is_directory(entry_));
+    close(directory);
 }
 
 }  // namespace
