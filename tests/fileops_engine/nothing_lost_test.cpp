@@ -198,7 +198,6 @@ TEST_F(FailingBlockTest, IsAskedAboutAndLeavesAWholeFileOrNone) {
         {"write", 4, ENOSPC, "Retry", "", true, true, 1},
         {"write", 4, ENOSPC, "Skip", "Continue", false, true, 2},
         {"write", 2, ENOSPC, "Skip", "Abort", false, false, 2},
-        {"write", 4, ENOSPC, "Abort", "", false, false, 1},
         {"write", 2, EIO, "Abort", "", false, false, 1},
         {"write", 4, EIO, "Continue", "", false, true, 1},
         {"read", 1, EIO, "Continue", "", false, true, 1},
@@ -207,16 +206,23 @@ TEST_F(FailingBlockTest, IsAskedAboutAndLeavesAWholeFileOrNone) {
         {"close", 0, EDQUOT, "Abort", "", false, false, 1},
     };
     names_ = {"dir", "a"};
-    for (const int32_t kind : {kFopCopy, kFopMove}) {
+    for (const auto& [kind, overwrites] :
+         {std::pair(kFopCopy, false), {kFopMove, false}, {kFopCopy, true}, {kFopMove, true}}) {
         for (const auto& row : rows) {
             SCOPED_TRACE(std::string(row.call) + " " + std::to_string(row.nth) + " error " +
                          std::to_string(row.error) + " " + row.answer + " " + row.then);
             make_trees();
+            if (overwrites) {
+                sandbox_.mkdir("to/dir");
+                sandbox_.write("to/dir/big", "old");
+            }
             std::vector<Fault> faults = kOtherFileSystem;
             faults.push_back({row.call, row.nth, row.error, "big"});
-            run(kind, faults, {row.answer, row.then});
+            run(kind, faults, {"Overwrite", row.answer, row.then});
             EXPECT_EQ(to_.count("dir/big") == 1, row.copied);
             EXPECT_EQ(to_.count("dir/sub/hard") == 1, row.goes_on);
+            std::erase_if(asked_,
+                          [](const auto& text) { return text.find("exists") != text.npos; });
             EXPECT_EQ(asked_.size(), row.asked);
             EXPECT_EQ(from_.count("dir/big") == 0, row.copied && kind == kFopMove);
         }

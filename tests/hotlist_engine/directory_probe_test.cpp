@@ -1,15 +1,12 @@
 #include "hotlist/engine/directory_probe.h"
 
-#include "support/headless_screen.h"
 #include "support/sandbox.h"
 
 #include <gtest/gtest.h>
 
-namespace dorn {
-namespace {
+using namespace dorn;
 
 TEST(DirectoryProbe, TellsWhatADirectoryIs) {
-    headless::reset();
     const Sandbox sandbox;
     for (const char* name : {"branch", "branch/below", "dots", "dots/.below", "leaf", "linked"})
         sandbox.mkdir(name);
@@ -30,6 +27,3 @@ TEST(DirectoryProbe, TellsWhatADirectoryIs) {
         EXPECT_EQ(directory_kind_here(sandbox.file(name), 2), kind) << name;
     EXPECT_EQ(directory_kind_here("", 2), DirectoryKind::Missing);
 }
-
-}  // namespace
-}  // namespace dorn
