@@ -6,11 +6,13 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace dorn;
 
@@ -29,17 +31,24 @@ std::string type_of(const char* path, mode_t mode) {
     return text;
 }
 
-TEST(Pipes, CarryTextBothWaysAndGiveTheStatus) {
+TEST(Pipes, CarryTextBothWaysWithNoShellOnThePathAndNoStandardInput) {
     const Sandbox sandbox;
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", "/nowhere", 1);
+    const int input = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 10);
+    close(STDIN_FILENO);
     FILE* from = dorn::popen("printf 'a\\nb'; exit 3", "r");
     ASSERT_NE(from, nullptr);
     EXPECT_EQ(read_all(from), "a\nb");
     EXPECT_EQ(WEXITSTATUS(dorn::pclose(from)), 3);
-    FILE* to = dorn::popen(("cat >" + sandbox.file("copy")).c_str(), "w");
+    FILE* to = dorn::popen(("read line; echo $line >" + sandbox.file("copy")).c_str(), "w");
     ASSERT_NE(to, nullptr);
     EXPECT_EQ(std::fputs("text", to), 1);
-    EXPECT_EQ(dorn::pclose(to), 0);
-    EXPECT_EQ(sandbox.read("copy"), "text");
+    dorn::pclose(to);
+    EXPECT_EQ(sandbox.read("copy"), "text\n");
+    dup2(input, STDIN_FILENO);
+    close(input);
+    setenv("PATH", path.c_str(), 1);
     EXPECT_EQ(dorn::pclose(stdin), -1);
 }
 
