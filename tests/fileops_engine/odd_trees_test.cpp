@@ -92,6 +92,16 @@ TEST_P(OddTreesTest, OfADirectoryWhoseListingBreaksOffNothingIsRemoved) {
     EXPECT_EQ(from_.count("dir/big"), 1U);
 }
 
+TEST_P(OddTreesTest, AFailedCopyWhoseNameHasComeToMeanAnotherFileLeavesThatOne) {
+    const auto take_its_place = [&] {
+        fs::rename(to("dir/big"), sandbox_.file("aside"));
+        sandbox_.write("to/dir/big", "newer");
+    };
+    run(GetParam(), copying_with({"write", 2, EIO, "big", take_its_place}), {"Continue"},
+        {"dir/big"});
+    EXPECT_TRUE(holds(to_, "dir/big", "fnewer"));
+}
+
 TEST_P(OddTreesTest, SocketsAndDevicesStayWithoutAWord) {
     EXPECT_EQ(mknod(from("socket").c_str(), S_IFSOCK | 0600, 0), 0);
     EXPECT_EQ(mknod(from("dir/socket").c_str(), S_IFSOCK | 0600, 0), 0);
