@@ -72,17 +72,13 @@ std::string quoted(const std::vector<std::string>& names) {
 TEST_F(CommandTest, TemplatesBecomeCommandLines) {
     const std::string names = quoted({"a b", "c"});
     const std::pair<const char*, const char*> rows[] = {
-        {"ored @", "ored 'a b' 'c' "},
         {"lpr", "lpr 'a b' 'c' "},
         {"echo \\@ '@'", "echo @ 'a b' 'c' "},
         {"x \"@\"|y @z", "x 'a b' 'c' |y 'a b' 'c' z"},
         {"x \\@", "x \\@ 'a b' 'c' "},  // without an "@" it stays as it is
-        {"x \\n@", "x \\n'a b' 'c' "},
         {"x 'a'@'b'", "x 'a''a b' 'c' 'b'"},
         {"x '@ y'", "x ''\\''a b'\\'' '\\''c'\\''  y'"},
-        {"x \"$PWD/@\"", "x \"$PWD/'a b' 'c' \""},
         {"x @\\", "x 'a b' 'c' \\"},
-        {"cp $PWD/@ /usr", "cp $PWD/'a b' 'c'  /usr"},
     };
     for (const auto& [command, line] : rows)
         EXPECT_EQ(command_line(command, names), line) << command;

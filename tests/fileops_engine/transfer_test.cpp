@@ -96,9 +96,9 @@ TEST(Transfer, AListWithADamagedByteIsNoListOrOneOfBaseNames) {
         EXPECT_EQ(told(transfer_unpack(whole.substr(0, size), kTypeTransfiles)), "nothing") << size;
     EXPECT_EQ(told(transfer_unpack(whole + '\0', kTypeTransfiles)), "nothing");
     for (std::size_t at = 0; at < whole.size(); ++at) {
-        for (const int byte : {0x00, 0x01, 0x2F, 0x2E, 0x7F, 0xFF}) {
+        for (const char byte : {'\0', '\1', '/', '\xFF'}) {
             std::string damaged = whole;
-            damaged[at] = static_cast<char>(byte);
+            damaged[at] = byte;
             for (const FileTransfer& list : transfer_unpack(damaged, kTypeTransfiles).lists) {
                 EXPECT_EQ(list.directory[0], '/');
                 for (const std::string& name : list.names)
