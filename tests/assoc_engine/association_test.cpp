@@ -23,7 +23,7 @@ class AssociationTest : public testing::Test {
   protected:
     ~AssociationTest() override {
         apat.clear();
-        headless::reset();
+        gScreen = {};
     }
     Sandbox sandbox_;
 };
@@ -121,9 +121,8 @@ TEST_F(AssociationTest, TheIndexFindsWhatTheTableFinds) {
 
 // What is alerted goes to the shown screen, so the alerts are told on standard error for the test.
 [[noreturn]] void read_and_tell(const char* directory) {
-    headless::reset();  // the screen is made first, so that it outlives what is told at the end
     std::atexit([] {
-        for (const headless::Alert& alert : headless::alerts())
+        for (const headless::Alert& alert : gScreen.alerts)
             std::fprintf(stderr, "[%s|%s]\n", alert.title.c_str(), alert.message.c_str());
     });
     init_read_associations(directory, kFile);

@@ -36,7 +36,7 @@ void remove_entry(const char* name) {
 class DirRead : public testing::Test {
   protected:
     DirRead() {
-        headless::reset();
+        gScreen = {};
         gConfig = &config_;
         cache_.path = sandbox_.path();
         cache_.filespec = "*";
@@ -45,7 +45,7 @@ class DirRead : public testing::Test {
         sHeldBack = false;
         dirstream_set_test_hook(nullptr);
         gStatusLimitMs = kStatusLimitMs;
-        headless::reset();
+        gScreen = {};
         gConfig = nullptr;
         std::filesystem::current_path("/");
     }
@@ -117,7 +117,7 @@ TEST_F(DirRead, EntriesAreCountedSummedAndFiltered) {
     cache_.filespec = "^*.C|*.H";
     EXPECT_EQ(read(), (Names{"a.c", "b.h", "d", "link"}));
     EXPECT_EQ(cache_.n_dirs, 2);
-    EXPECT_EQ(headless::texts("status2").back(), "4 read");
+    EXPECT_EQ(w_instance("status2")->texts.back(), "4 read");
 }
 
 TEST_F(DirRead, AnyNameGoesThrough) {
@@ -195,25 +195,25 @@ TEST_F(DirRead, EntryThatVanishesOrDoesNotAnswerIsShownAsUnreadable) {
 TEST_F(DirRead, EventLoopIsServedAndTheCounterMovesWhileTheDirectoryIsSlow) {
     make_slow_directory();
     int served = 0;
-    headless::on_background([&] {
+    gScreen.on_background = [&] {
         EXPECT_EQ(dir_read(&cache_, dir_cmp_name, 1), -1) << "one read at a time";
         x_print_progress(nullptr, &cache_);
         if (++served == 5) sHeldBack = false;
-    });
+    };
     EXPECT_EQ(read().size(), 21U);
     EXPECT_GE(served, 5);
     EXPECT_EQ(entry("slow").flags, 0U);
-    const Names shown = headless::texts("status2");
+    const Names shown = w_instance("status2")->texts;
     EXPECT_EQ(shown.back(), "21 read");
     EXPECT_GT(std::set<std::string>(shown.begin(), shown.end()).size(), 1U);
 }
 
 TEST_F(DirRead, StoppedReadEndsWithWhatItHas) {
     make_slow_directory();
-    headless::on_background([] { dir_read_stop(); });
+    gScreen.on_background = [] { dir_read_stop(); };
     EXPECT_LT(read().size(), 21U);
     sHeldBack = false;
-    headless::on_background(nullptr);
+    gScreen.on_background = nullptr;
     EXPECT_NE(dir_read(&cache_, dir_cmp_name, 1), 0) << "none begins while the program closes";
     dir_read_stop(false);
     EXPECT_EQ(read().size(), 21U);

@@ -34,11 +34,11 @@ class OddTreesTest : public LosslessTest, public testing::WithParamInterface<int
 
     // The message of its question, "" of none.
     std::string run_asking(const Request& request) {
-        headless::reset();
+        gScreen = {};
         const Faults holding(kOtherFileSystem);
         EXPECT_GE(run_operation(request), 0);
         std::string messages;
-        for (const headless::Alert& alert : headless::alerts())
+        for (const headless::Alert& alert : gScreen.alerts)
             messages += alert.message;
         return messages;
     }

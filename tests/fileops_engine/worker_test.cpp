@@ -51,7 +51,7 @@ std::string told(const std::string& directory) {
 // The questions asked, the sandbox's path as "@".
 std::string asked(const Sandbox& sandbox) {
     std::string text;
-    for (const headless::Alert& alert : headless::alerts())
+    for (const headless::Alert& alert : gScreen.alerts)
         text += alert.title + ": " + alert.message;
     for (std::size_t at; (at = text.find(sandbox.path())) != std::string::npos;)
         text.replace(at, std::strlen(sandbox.path()), "@");
@@ -160,11 +160,9 @@ TEST(WorkerTest, LeavesWhatIsLaidDownAndAsksOnce) {
         make_tree(sandbox, "from", row.from);
         make_tree(sandbox, "to", row.to);
         const auto before = tree_of(sandbox.file("from"));
-        headless::reset();
-        std::vector<int> buttons;
+        gScreen = {};
         for (const char digit : row.answers)
-            buttons.push_back(digit - '0');
-        headless::answer(buttons);
+            gScreen.answers.push_back(digit - '0');
         sDone.clear();
         run_operation({row.kind, sandbox.file("from"), words_of(row.chosen),
                        sandbox.file(row.destination), row.flags, note_done});
@@ -182,12 +180,12 @@ TEST(WorkerTest, LeavesWhatIsLaidDownAndAsksOnce) {
 TEST(WorkerTest, WhatAppearsInADirectoryWhileItIsDeletedIsAskedAboutOnce) {
     const Sandbox sandbox;
     make_tree(sandbox, "from", "d/ d/e/ d/e/a=1");
-    headless::reset();
-    headless::on_alert([&](const headless::Alert& alert) {
+    gScreen = {};
+    gScreen.on_alert = [&](const headless::Alert& alert) {
         const bool is_first = alert.message.find("/a'") != std::string::npos;
         if (is_first) sandbox.write("from/d/e/new", "2");
-        headless::answer({is_first ? 3 : 1});
-    });
+        gScreen.answers = {is_first ? 3 : 1};
+    };
     run_operation({kFopDelete, sandbox.file("from"), {"d"}, "", kFopAskEach});
     EXPECT_EQ(asked(sandbox),
               "Delete: File '@/from/d/e/a'\n"

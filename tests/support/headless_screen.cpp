@@ -10,35 +10,15 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <deque>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <sstream>
 
 namespace dorn {
 
-struct Widget {
-    std::vector<std::string> texts;
-};
+headless::Screen gScreen;
 
 namespace {
-
-struct Screen {
-    std::map<std::string, std::unique_ptr<Widget>> widgets;
-    std::vector<headless::Alert> alerts;
-    std::deque<int> answers;
-    std::function<void(const headless::Alert&)> alert_hook;
-    std::function<void()> background;
-};
-
-// Workers come here, too: the record is touched under this mutex alone.
-std::mutex sMutex;
-
-Screen& screen() {
-    static Screen the_screen;
-    return the_screen;
-}
 
 [[gnu::format(printf, 1, 0)]] std::string format_text(const char* format, va_list arguments) {
     char* made = nullptr;
@@ -63,60 +43,17 @@ std::recursive_mutex sGate;
 
 }  // namespace
 
-namespace headless {
-
-void reset() {
-    const std::lock_guard lock(sMutex);
-    screen() = Screen{};
-}
-
-std::vector<std::string> texts(const char* instance) {
-    const Widget* widget = w_instance(instance);
-    const std::lock_guard lock(sMutex);
-    return widget->texts;
-}
-
-std::vector<Alert> alerts() {
-    const std::lock_guard lock(sMutex);
-    return screen().alerts;
-}
-
-void answer(std::vector<int> buttons) {
-    const std::lock_guard lock(sMutex);
-    screen().answers.assign(buttons.begin(), buttons.end());
-}
-
-void on_alert(std::function<void(const Alert&)> hook) {
-    const std::lock_guard lock(sMutex);
-    screen().alert_hook = std::move(hook);
-}
-
-void on_background(std::function<void()> hook) {
-    const std::lock_guard lock(sMutex);
-    screen().background = std::move(hook);
-}
-
-}  // namespace headless
-
 Widget* w_instance(const char* name) {
-    const std::lock_guard lock(sMutex);
-    std::unique_ptr<Widget>& widget = screen().widgets[name];
-    if (!widget) widget = std::make_unique<Widget>();
-    return widget.get();
+    return &gScreen.widgets[name];
 }
 
 int ui_alert(Widget*, const char* title, const char* message, const char* buttons) {
     const headless::Alert alert{title, message, buttons};
-    std::unique_lock lock(sMutex);
-    if (const auto hook = screen().alert_hook) {
-        lock.unlock();
-        hook(alert);
-        lock.lock();
-    }
-    screen().alerts.push_back(alert);
-    if (screen().answers.empty()) return escape_button(alert.buttons);
-    const int button = screen().answers.front();
-    screen().answers.pop_front();
+    if (gScreen.on_alert) gScreen.on_alert(alert);
+    gScreen.alerts.push_back(alert);
+    if (gScreen.answers.empty()) return escape_button(alert.buttons);
+    const int button = gScreen.answers.front();
+    gScreen.answers.pop_front();
     return button;
 }
 
@@ -134,7 +71,6 @@ int wprintf(Widget* widget, const char* format, ...) {
     va_start(arguments, format);
     const std::string text = format_text(format, arguments);
     va_end(arguments);
-    const std::lock_guard lock(sMutex);
     widget->texts.push_back(text);
     return static_cast<int>(text.size());
 }
@@ -146,12 +82,7 @@ void wpercent(Widget* widget, int percent) {
 }
 
 void ui_background() {
-    std::function<void()> hook;
-    {
-        const std::lock_guard lock(sMutex);
-        hook = screen().background;
-    }
-    if (hook) hook();
+    if (gScreen.on_background) gScreen.on_background();
 }
 
 bool ui_bounded(std::function<void()> work, int timeout_ms) {

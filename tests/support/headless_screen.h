@@ -1,16 +1,30 @@
 // A screen without a screen: the functions of ui/ that engine code calls, for its tests.
 //
+//     gScreen = {};                       // forgets all
+//     gScreen.answers = {2};              // to the first question
+//     run_operation(...);
+//     EXPECT_EQ(gScreen.alerts.size(), 1U);
+//
 // What would have been shown is recorded; questions are answered from a script. The gate of
-// ui/lock.h runs works on the calling thread, one at a time. All of it from any thread.
+// ui/lock.h runs works on the calling thread, one at a time. One thread uses all this at a time:
+// the test, or the worker that it waits for.
 #pragma once
 
 #include "ui/widget.h"
 
+#include <deque>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
-namespace dorn::headless {
+namespace dorn {
+
+struct Widget {
+    std::vector<std::string> texts;  // put into it, oldest first
+};
+
+namespace headless {
 
 struct Alert {
     std::string title;
@@ -18,24 +32,20 @@ struct Alert {
     std::string buttons;
 };
 
-/// Forgets everything recorded and scripted.
-void reset();
+struct Screen {
+    std::map<std::string, Widget> widgets = {};  // by instance name
+    std::vector<Alert> alerts = {};              // shown, oldest first
+    // To the coming questions, in order; where they run out an alert takes its escape button, as if
+    // it had been closed.
+    std::deque<int> answers = {};
+    // Called at each alert, on its thread, before it is recorded and answered: for what happens on
+    // the disk while a question is open. It may script the answer.
+    std::function<void(const Alert&)> on_alert = {};
+    std::function<void()> on_background = {};  // when the engine serves the event loop
+};
 
-/// The texts put into the widget of that instance name, oldest first.
-std::vector<std::string> texts(const char* instance);
+}  // namespace headless
 
-/// The alerts shown, oldest first.
-std::vector<Alert> alerts();
+extern headless::Screen gScreen;
 
-/// The answers to the coming questions, in order; where they run out an alert takes its escape
-/// button, as if it had been closed.
-void answer(std::vector<int> buttons);
-
-/// Called at each alert, on its thread, before it is recorded and answered: for what happens on the
-/// disk while a question is open. It may script the answer.
-void on_alert(std::function<void(const Alert&)> hook);
-
-/// Called whenever the engine serves the event loop.
-void on_background(std::function<void()> hook);
-
-}  // namespace dorn::headless
+}  // namespace dorn

@@ -72,12 +72,13 @@ Request LosslessTest::request(int32_t kind) const {
 void LosslessTest::run(int32_t kind, std::vector<Fault> faults, const Labels& answers,
                        const Labels& unlike) {
     const Tree before = tree_of(from());
-    headless::reset();
-    headless::on_alert([&](const headless::Alert& alert) {
-        for (const std::string& label : answers)
-            if (const int button = button_of(alert.buttons, label); button != 0)
-                return headless::answer({button});
-    });
+    gScreen = {};
+    gScreen.on_alert = [&](const headless::Alert& alert) {
+        const auto found = std::find_if(answers.begin(), answers.end(), [&](const auto& label) {
+            return button_of(alert.buttons, label) != 0;
+        });
+        if (found != answers.end()) gScreen.answers = {button_of(alert.buttons, *found)};
+    };
     const auto open_before = open_descriptors();
     {
         const Faults holding(std::move(faults));
@@ -85,7 +86,7 @@ void LosslessTest::run(int32_t kind, std::vector<Fault> faults, const Labels& an
         calls_ = holding.calls("*");
     }
     asked_.clear();
-    for (const headless::Alert& alert : headless::alerts())
+    for (const headless::Alert& alert : gScreen.alerts)
         asked_.push_back(alert.message);
     EXPECT_EQ(open_descriptors(), open_before);
     from_ = tree_of(from());
