@@ -143,33 +143,25 @@ TEST_P(OddTreesTest, ATooLongNameIsSkippedOrComesUnderTheNewOneWithItsQuestions)
         do_rename = sNewName.empty() ? 0 : 1;
         newfile = sNewName;
     });
-    const struct {
-        const char* new_name;
-        Labels asked;
-        std::string there;  // afterwards, under the new name
-        bool stays;         // the source
-    } rows[] = {
-        {"", {}, "", true},
-        {"fresh", {}, "first", GetParam() == kFopCopy},
-        {"else/kept",
-         {"The '" + sandbox_.file("else/kept") + "' file exists.\nWhat do you want to do ?\n"},
-         "somebody's",
-         true},
-        {"from/a",
-         {kFopCopy == GetParam() ? "Can't copy file(s) into itself."
-                                 : "Can't move file(s) into itself."},
-         "first",
-         true}};
+    const bool copies = GetParam() == kFopCopy;
+    const std::string exists = "' file exists.\nWhat do you want to do ?\n";
+    const std::tuple<const char*, std::string, const char*, bool> rows[] = {
+        // the new name, the question, what is there afterwards, whether the source stays
+        {"", "", "", true},
+        {"fresh", "", "first", copies},
+        {"else/kept", "The '" + sandbox_.file("else/kept") + exists, "somebody's", true},
+        {"from/a", copies ? "Can't copy file(s) into itself." : "Can't move file(s) into itself.",
+         "first", true}};
     names_ = {"a"};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.new_name);
+    for (const auto& [new_name, asked, there, stays] : rows) {
+        SCOPED_TRACE(new_name);
         make_trees();
-        sNewName = row.new_name[0] == '\0' ? "" : sandbox_.file(row.new_name);
+        sNewName = new_name[0] == '\0' ? "" : sandbox_.file(new_name);
         // The first opens the source.
         run(GetParam(), copying_with({"openat", 2, ENAMETOOLONG, "a"}), {"Skip"}, {"a"});
-        EXPECT_EQ(asked_, row.asked);
-        EXPECT_EQ(read_file(sNewName), row.there);
-        EXPECT_EQ(fs::exists(from("a")), row.stays);
+        EXPECT_EQ(asked_, asked.empty() ? Labels{} : Labels{asked});
+        EXPECT_EQ(read_file(sNewName), there);
+        EXPECT_EQ(fs::exists(from("a")), stays);
         EXPECT_EQ(to_, Tree{});
     }
     fop_set_long_name_cb(nullptr);

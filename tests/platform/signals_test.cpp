@@ -18,17 +18,16 @@ namespace {
 class SignalsTest : public testing::Test {
   protected:
     SignalsTest() {
-        for (int number = 1; number < kNumbers; ++number)
-            sigaction(number, nullptr, &before_[static_cast<std::size_t>(number)]);
+        for (std::size_t number = 1; number < before_.size(); ++number)
+            sigaction(static_cast<int>(number), nullptr, &before_[number]);
     }
     ~SignalsTest() override {
-        for (int number = 1; number < kNumbers; ++number)
-            sigaction(number, &before_[static_cast<std::size_t>(number)], nullptr);
+        for (std::size_t number = 1; number < before_.size(); ++number)
+            sigaction(static_cast<int>(number), &before_[number], nullptr);
     }
 
   private:
-    static constexpr int kNumbers = 32;
-    std::array<struct sigaction, kNumbers> before_{};
+    std::array<struct sigaction, 32> before_{};
 };
 
 TEST_F(SignalsTest, AStormOfOneSignalPushesNoOtherOut) {
