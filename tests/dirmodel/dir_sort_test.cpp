@@ -106,7 +106,6 @@ TEST_F(DirSort, OrderIsThatOfTheLibrarysSortWithTheComparators) {
     const auto pick = [&](unsigned count) { return static_cast<unsigned>(random() % count); };
     char target[] = "target";
     for (const std::string prefix : {"", "common", "c"}) {
-        entries_.clear();
         pointers_.clear();
         for (int n = 0; n < 500; ++n) {
             const bool number = prefix != "common" && pick(3) == 0;

@@ -2,7 +2,6 @@
 
 #include "support/sandbox.h"
 
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -16,6 +15,7 @@
 
 using namespace dorn;
 using namespace std::string_literals;
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -75,25 +75,17 @@ TEST_F(SpawnTest, TheEnvironmentAndTheArgumentsArriveAsTheyAre) {
     EXPECT_EQ(errno, ENOENT);
 }
 
-// Within a copy of this program: it is deleted and started again.
-void start_again_without_file() {
-    std::array<char, 4096> self{};
-    ASSERT_GT(readlink("/proc/self/exe", self.data(), self.size()), 0);
-    ASSERT_EQ(unlink(self.data()), 0);
-    const int process =
-        spawn_program(orrin_program("/usr/orrin/bin/dorn"), {"dorn", "--gtest_list_tests"});
-    int status = -1;
-    ASSERT_EQ(waitpid(process, &status, 0), process);
-    EXPECT_EQ(status, 0);
-}
-
 TEST_F(SpawnTest, TheRunningProgramStartsAgainWhenItsFileIsGone) {
     if (std::getenv("DORN_TEST_IN_COPY") != nullptr) {
-        start_again_without_file();
+        ASSERT_TRUE(fs::remove(fs::read_symlink("/proc/self/exe")));
+        int status = -1;
+        waitpid(spawn_program(orrin_program("/usr/orrin/bin/dorn"), {"dorn", "--gtest_list_tests"}),
+                &status, 0);
+        ASSERT_EQ(status, 0);
         return;
     }
     const std::string copy = sandbox_.file("copy");
-    std::filesystem::copy_file("/proc/self/exe", copy);
+    fs::copy_file("/proc/self/exe", copy);
     const std::string told =
         output_of("DORN_TEST_IN_COPY=1 " + copy + " --gtest_filter='*WhenItsFileIsGone'");
     EXPECT_NE(told.find("[  PASSED  ] 1 test"), std::string::npos) << told;
@@ -110,7 +102,7 @@ TEST_F(SpawnTest, OrrinPathsAreLookedUpThereFirstAndByNameNext) {
         {"/usr/orrin/bin/orterm", own},
         {"orterm", own},
         {own, own},
-        {"/usr/orrin/bin/dorn", std::filesystem::read_symlink("/proc/self/exe")},
+        {"/usr/orrin/bin/dorn", fs::read_symlink("/proc/self/exe")},
         {"dorn", ""},
         {"data", ""},
         {"folder", ""},

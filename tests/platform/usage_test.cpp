@@ -24,9 +24,6 @@ TEST(UsageTest, TheWindowOptionsAreFoundAroundTheDirectory) {
         EXPECT_TRUE(options.width == 300 && options.server == ":1") << row[0];
         EXPECT_EQ(options.state, WindowOptions::State::Maximized);
     }
-    std::string error;
-    const WindowOptions none = parse({"/tmp"}, &error);
-    EXPECT_FALSE(none.x || none.y || none.height || none.width || none.help);
 }
 
 TEST(UsageTest, AFaultIsNamedAndAsksForTheUsageText) {
