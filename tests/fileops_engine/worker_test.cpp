@@ -177,6 +177,27 @@ TEST(WorkerTest, LeavesWhatIsLaidDownAndAsksOnce) {
     }
 }
 
+TEST(WorkerTest, ALargeDeleteAsksAboutExactlyWhatIsUnwriteable) {
+    const Sandbox sandbox;
+    sandbox.mkdir("from");
+    for (const char* directory : {"from/1", "from/2", "from/3", "from/4"}) {
+        make_tree(sandbox, directory, "");
+        for (int i = 0; i < 300; ++i)
+            sandbox.write(directory + ("/" + std::to_string(i)), "");
+    }
+    std::set<std::string> kept = {"1/0", "1/299", "2/255", "2/256", "4/77"};
+    for (const std::string& name : kept)
+        chmod(sandbox.file("from/" + name).c_str(), 0444);
+    gScreen = {};
+    gScreen.answers.assign(kept.size(), 1);
+    run_operation({kFopDelete, sandbox.file("from"), {"1", "2", "3", "4"}, ""});
+    EXPECT_EQ(gScreen.alerts.size(), kept.size());
+    kept.insert({"1", "2", "4"});
+    for (const auto& [name, what] : tree_of(sandbox.file("from")))
+        EXPECT_EQ(kept.erase(name), 1U) << name;
+    EXPECT_TRUE(kept.empty());
+}
+
 TEST(WorkerTest, WhatAppearsInADirectoryWhileItIsDeletedIsAskedAboutOnce) {
     const Sandbox sandbox;
     make_tree(sandbox, "from", "d/ d/e/ d/e/a=1");

@@ -13,6 +13,7 @@ namespace dorn {
 namespace {
 
 constexpr const char* kTitle = "Delete";
+constexpr int32_t kLarge = 1000;  // entries from which a thread that looks ahead pays
 
 void store_shown(Worker& w, const char* name, int32_t percent, int32_t time_left) {
     fop_update_info(w.op, "Deleting", " Dir: ", w.source_path.c_str(), "File: ", name, percent,
@@ -42,6 +43,16 @@ Answer ask_delete(Worker& w, int32_t group, int32_t index, mode_t mode) {
     if (button == 1) return Answer::kSkip;
     if (button == 3) op->flags |= kFopDeleteAll;
     return button == 2 || button == 3 ? Answer::kDelete : Answer::kStop;
+}
+
+/// The entry's mode; 0 when it can't be had.
+mode_t mode_of(Worker& w, int32_t group, int32_t index) {
+    const mode_t known = w.modes_ahead ? w.modes_ahead->of(group, index) : 0;
+    if (known != 0) return known;
+    struct stat status;
+    const char* name = w.op->groups[group]->names[index];
+    const int dir = w.sources.of_group(group);
+    return fstatat(dir, name, &status, AT_SYMLINK_NOFOLLOW) == 0 ? status.st_mode : 0;
 }
 
 /// Whether the source of a move is the file that was copied, whole.
@@ -104,18 +115,17 @@ int delete_group(Worker& w, int32_t group, bool with_progress) {
 int fop_delete_file(Worker& w, int32_t group, int32_t index) {
     Group* own = w.op->groups[group];
     const char* name = own->names[index];
-    const int dir = w.sources.of_group(group);
     bool is_directory = (own->kinds[index] & kEntryDirectory) != 0;
-    struct stat status;
-    if ((w.op->flags & kFopDeleteAll) == 0 &&
-        fstatat(dir, name, &status, AT_SYMLINK_NOFOLLOW) == 0) {
-        is_directory = S_ISDIR(status.st_mode);
-        const Answer answer = ask_delete(w, group, index, status.st_mode);
+    const mode_t mode = (w.op->flags & kFopDeleteAll) == 0 ? mode_of(w, group, index) : 0;
+    if (mode != 0) {
+        is_directory = S_ISDIR(mode);
+        const Answer answer = ask_delete(w, group, index, mode);
         if (answer != Answer::kDelete) {
             keep_parents(w, group);
             return answer == Answer::kSkip ? 0 : -1;
         }
     }
+    const int dir = w.sources.of_group(group);
     int error = 0;
     if (w.op->kind == kFopMove && !is_directory && !is_what_was_copied(w, dir, group, index))
         error = EBUSY;
@@ -130,6 +140,9 @@ int fop_delete_file(Worker& w, int32_t group, int32_t index) {
 }
 
 int fop_delete_files(Worker& w, bool with_progress) {
+    if (with_progress && w.op->total_files >= kLarge &&
+        (w.op->flags & (kFopDeleteAll | kFopAskEach)) == 0)
+        w.modes_ahead.emplace(w.op, &w.sources);
     for (int32_t group = w.op->group_count - 1; group >= 0; --group) {
         if (stays(w, group)) {
             if (w.op->groups[group]->incomplete) keep_parents(w, group);

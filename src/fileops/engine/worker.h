@@ -8,9 +8,11 @@
 #pragma once
 
 #include "fileops/engine/file_op.h"
+#include "fileops/engine/modes_ahead.h"
 #include "fileops/engine/tree_dirs.h"
 
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -39,6 +41,7 @@ struct Worker {
     std::vector<FileId> source_chain;       // the same of the source directory, once needed
     std::vector<char> names;                // what the scan has read of a directory
     int32_t group_capacity = 1;
+    std::optional<ModesAhead> modes_ahead;  // of a large removal that may ask
 };
 
 // What becomes of an entry.
