@@ -173,7 +173,7 @@ TEST_P(NothingLostTest, WhatAppearsAtTheDestinationMeanwhileIsNotOverwrittenUnas
         const auto appear = [&] {
             if (fs::exists(to(name)) || !fs::exists(fs::path(to(name)).parent_path())) return;
             sandbox_.write("to/" + name, "newer");
-            put_ = "fnewer";
+            put_ = "=newer";
         };
         at_every_call({"*", 0, 0, "", appear}, {"Skip"}, {name}, 2);
     }

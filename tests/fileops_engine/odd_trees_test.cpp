@@ -59,7 +59,7 @@ TEST_P(OddTreesTest, ModesTimesAndOwnersComeWithTheCopies) {
     for (auto& [name, text] : before) {
         const int given_away = lchown(from(name).c_str(), 1234, 4321);
         EXPECT_TRUE(given_away == 0 || geteuid() != 0);
-        if (text == "ffirst") chmod(from(name).c_str(), 06751);
+        if (text == "=first") chmod(from(name).c_str(), 06751);
         utimensat(AT_FDCWD, from(name).c_str(), times, AT_SYMLINK_NOFOLLOW);
         text = attributes(from(name));
     }
@@ -99,7 +99,7 @@ TEST_P(OddTreesTest, AFailedCopyWhoseNameHasComeToMeanAnotherFileLeavesThatOne) 
     };
     run(GetParam(), copying_with({"write", 2, EIO, "big", take_its_place}), {"Continue"},
         {"dir/big"});
-    EXPECT_TRUE(holds(to_, "dir/big", "fnewer"));
+    EXPECT_TRUE(holds(to_, "dir/big", "=newer"));
 }
 
 TEST_P(OddTreesTest, SocketsAndDevicesStayWithoutAWord) {

@@ -41,10 +41,9 @@ void make_tree(const Sandbox& sandbox, const std::string& directory, const std::
 }
 
 std::string told(const std::string& directory) {
-    const std::map<char, std::string> marks = {{'d', "/"}, {'p', "|"}, {'l', ">"}, {'f', "="}};
     std::string text;
     for (const auto& [name, what] : tree_of(directory))
-        text += (text.empty() ? "" : " ") + name + marks.at(what[0]) + what.substr(1);
+        text += (text.empty() ? "" : " ") + name + what;
     return text;
 }
 

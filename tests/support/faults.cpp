@@ -6,7 +6,6 @@
 #include <cstdarg>
 #include <fcntl.h>
 #include <filesystem>
-#include <map>
 #include <mutex>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,7 +24,7 @@ std::mutex sMutex;
 std::condition_variable sChanged;
 bool sActive = false;
 std::vector<Counted> sFaults;
-std::map<std::string, int> sCalls;
+int sCalls = 0;
 int sHanging = 0;
 thread_local bool sInHook = false;
 
@@ -51,8 +50,7 @@ int fault_of(const char* call, Subject what) {
     if (sInHook) return 0;
     std::unique_lock lock(sMutex);
     if (!sActive) return 0;
-    ++sCalls[call];
-    ++sCalls["*"];
+    ++sCalls;
     int error = 0;
     std::function<void()> before;
     for (Counted& counted : sFaults) {
@@ -102,7 +100,7 @@ Faults::Faults(std::vector<Fault> faults) {
     sFaults.clear();
     for (Fault& fault : faults)
         sFaults.push_back({std::move(fault)});
-    sCalls.clear();
+    sCalls = 0;
     sActive = true;
 }
 
@@ -113,15 +111,15 @@ Faults::~Faults() {
     sChanged.wait(lock, [] { return sHanging == 0; });
 }
 
-int Faults::calls(const std::string& call) const {
+int Faults::calls() {
     const std::lock_guard lock(sMutex);
-    return sCalls[call];
+    return sCalls;
 }
 
 }  // namespace dorn
 
 // The linker sends each call of `name` to __wrap_name, and __real_name to the system's. `subject`
-// is the parameter that says which file it is for.
+// is the parameter that says which file it is for: a descriptor, or the path p.
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 #define DORN_WRAP(result, name, parameters, arguments, subject) \
     result __real_##name parameters;                            \
@@ -131,39 +129,32 @@ int Faults::calls(const std::string& call) const {
     }
 
 extern "C" {
-DORN_WRAP(int, access, (const char* path, int mode), (path, mode), path)
+DORN_WRAP(int, access, (const char* p, int mode), (p, mode), p)
 DORN_WRAP(int, fchmod, (int fd, mode_t mode), (fd, mode), fd)
-DORN_WRAP(int, fchmodat, (int at, const char* path, mode_t mode, int flags),
-          (at, path, mode, flags), path)
+DORN_WRAP(int, fchmodat, (int at, const char* p, mode_t mode, int f), (at, p, mode, f), p)
 DORN_WRAP(int, fchown, (int fd, uid_t user, gid_t group), (fd, user, group), fd)
-DORN_WRAP(int, fchownat, (int at, const char* path, uid_t user, gid_t group, int flags),
-          (at, path, user, group, flags), path)
+DORN_WRAP(int, fchownat, (int at, const char* p, uid_t u, gid_t g, int f), (at, p, u, g, f), p)
 DORN_WRAP(int, fstat, (int fd, struct stat* status), (fd, status), fd)
-DORN_WRAP(int, fstatat, (int at, const char* path, struct stat* status, int flags),
-          (at, path, status, flags), path)
+DORN_WRAP(int, fstatat, (int at, const char* p, struct stat* s, int f), (at, p, s, f), p)
 DORN_WRAP(int, fsync, (int fd), (fd), fd)
 DORN_WRAP(int, ftruncate, (int fd, off_t length), (fd, length), fd)
 DORN_WRAP(int, futimens, (int fd, const timespec* times), (fd, times), fd)
-DORN_WRAP(off_t, lseek, (int fd, off_t offset, int whence), (fd, offset, whence), fd)
-DORN_WRAP(int, mkdirat, (int at, const char* path, mode_t mode), (at, path, mode), path)
-DORN_WRAP(int, mkfifoat, (int at, const char* path, mode_t mode), (at, path, mode), path)
-DORN_WRAP(ssize_t, readlinkat, (int at, const char* path, char* text, size_t size),
-          (at, path, text, size), path)
-DORN_WRAP(int, rename, (const char* from, const char* to), (from, to), from)
-DORN_WRAP(int, renameat, (int from_at, const char* from, int to_at, const char* to),
-          (from_at, from, to_at, to), from)
-DORN_WRAP(int, renameat2,
-          (int from_at, const char* from, int to_at, const char* to, unsigned flags),
-          (from_at, from, to_at, to, flags), from)
-DORN_WRAP(int, stat, (const char* path, struct stat* status), (path, status), path)
-DORN_WRAP(int, symlinkat, (const char* target, int at, const char* path), (target, at, path), path)
-DORN_WRAP(int, unlink, (const char* path), (path), path)
-DORN_WRAP(int, unlinkat, (int at, const char* path, int flags), (at, path, flags), path)
-DORN_WRAP(int, utimensat, (int at, const char* path, const timespec* times, int flags),
-          (at, path, times, flags), path)
 DORN_WRAP(ssize_t, getdents64, (int fd, void* buffer, size_t length), (fd, buffer, length), fd)
-DORN_WRAP(int, statx, (int fd, const char* path, int flags, unsigned mask, struct statx* status),
-          (fd, path, flags, mask, status), path)
+DORN_WRAP(off_t, lseek, (int fd, off_t offset, int whence), (fd, offset, whence), fd)
+DORN_WRAP(int, mkdirat, (int at, const char* p, mode_t mode), (at, p, mode), p)
+DORN_WRAP(int, mkfifoat, (int at, const char* p, mode_t mode), (at, p, mode), p)
+DORN_WRAP(ssize_t, readlinkat, (int at, const char* p, char* to, size_t n), (at, p, to, n), p)
+DORN_WRAP(int, rename, (const char* p, const char* to), (p, to), p)
+DORN_WRAP(int, renameat, (int a, const char* p, int b, const char* to), (a, p, b, to), p)
+DORN_WRAP(int, renameat2, (int a, const char* p, int b, const char* to, unsigned f),
+          (a, p, b, to, f), p)
+DORN_WRAP(int, stat, (const char* p, struct stat* status), (p, status), p)
+DORN_WRAP(int, statx, (int at, const char* p, int f, unsigned mask, struct statx* s),
+          (at, p, f, mask, s), p)
+DORN_WRAP(int, symlinkat, (const char* target, int at, const char* p), (target, at, p), p)
+DORN_WRAP(int, unlink, (const char* p), (p), p)
+DORN_WRAP(int, unlinkat, (int at, const char* p, int f), (at, p, f), p)
+DORN_WRAP(int, utimensat, (int at, const char* p, const timespec* t, int f), (at, p, t, f), p)
 
 // NOLINTNEXTLINE(cppcoreguidelines-macro-usage)
 #define DORN_WRAP_OPEN(name, parameters, arguments)                                          \

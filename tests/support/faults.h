@@ -39,8 +39,8 @@ class Faults {
     Faults(const Faults&) = delete;
     Faults& operator=(const Faults&) = delete;
 
-    /// How often `call` has been called ("*": all of them).
-    int calls(const std::string& call) const;
+    /// How many wrapped calls there have been.
+    static int calls();
 };
 
 }  // namespace dorn

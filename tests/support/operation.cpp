@@ -29,18 +29,10 @@ void note_end(Widget*) {
 }
 
 std::string entry_text(const fs::directory_entry& entry) {
-    switch (entry.symlink_status().type()) {
-        case fs::file_type::directory:
-            return "d";
-        case fs::file_type::fifo:
-            return "p";
-        case fs::file_type::symlink:
-            return "l" + fs::read_symlink(entry.path()).native();
-        case fs::file_type::regular:
-            return "f" + read_file(entry.path());
-        default:
-            return "?";
-    }
+    if (entry.is_symlink()) return ">" + fs::read_symlink(entry.path()).native();
+    if (entry.is_directory()) return "/";
+    if (entry.is_regular_file()) return "=" + read_file(entry.path());
+    return entry.is_fifo() ? "|" : "?";
 }
 
 }  // namespace

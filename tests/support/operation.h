@@ -30,8 +30,8 @@ double run_operation(const Request& request);
 /// while that waits.
 FileOp* running_operation();
 
-/// Below a directory: relative path, and what is there: "d", "p", "l" and the target, "f" and the
-/// content, "?" for anything else.
+/// Below a directory: relative path, and what is there: "/" a directory, "|" a FIFO, ">" and the
+/// target, "=" and the content, "?" anything else.
 using Tree = std::map<std::string, std::string>;
 Tree tree_of(const std::string& directory);
 
