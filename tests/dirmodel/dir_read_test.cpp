@@ -187,7 +187,7 @@ TEST_F(DirRead, EntryThatVanishesOrDoesNotAnswerIsShownAsUnreadable) {
     EXPECT_STREQ(entry("vanishing").link_text, "(unable to read info)");
     EXPECT_EQ(entry("vanishing").uid, -1);
     make_slow_directory();
-    gStatusLimitMs = 50;
+    gStatusLimitMs = 250;  // which holds for the opening, too, on a busy machine
     EXPECT_EQ(read().size(), 21U);
     EXPECT_EQ(entry("slow").flags, kEntryLink | kEntryBroken);
     EXPECT_STREQ(entry("slow").link_text, "(unable to read - timeout)");
