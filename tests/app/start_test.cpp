@@ -21,6 +21,7 @@ class Start : public ::testing::Test {
     Start() {
         for (const char* name : {"home", "home/.or", "shown"})
             sandbox_.mkdir(name);
+        sandbox_.link(DORN_PROGRAM, "program");
         setting_.variables = {{"HOME", sandbox_.file("home")}, {"QT_QPA_PLATFORM", "offscreen"}};
         setting_.errors = sandbox_.file("errors");
         setting_.directory = shown_;
@@ -31,7 +32,7 @@ class Start : public ::testing::Test {
 
     // Starts it and waits until it shows that directory.
     void start(Words arguments, const std::string& directory) {
-        arguments.insert(arguments.begin(), DORN_PROGRAM);
+        arguments.insert(arguments.begin(), sandbox_.file("program"));
         process_ = start_child(arguments, setting_);
         EXPECT_TRUE(shows(directory)) << directory;
     }

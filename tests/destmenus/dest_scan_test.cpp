@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <mutex>
+#include <unistd.h>
 
 namespace dorn {
 namespace {
@@ -21,12 +22,14 @@ class ToldScan {
         scan->path = path;
         scan->hide_dot = hide_dot;
         scan->on_names = [this](const std::vector<std::string>& names, bool whole) {
+            EXPECT_EQ(scan->stop, 0);
             std::string& text = showings.emplace_back();
             for (const std::string& name : names)
                 text += name + " ";
             if (whole) text += "|";
         };
         scan->on_checked = [this](std::size_t first, const std::vector<DestKind>& found) {
+            EXPECT_EQ(scan->stop, 0);
             EXPECT_EQ(first, kinds.size());
             for (DestKind kind : found)
                 kinds += "?>-"[static_cast<int>(kind)];
@@ -57,12 +60,13 @@ TEST(DestScan, OnlyDirectoriesAreToldAndWhichOfThemHaveDirectories) {
         sandbox.mkdir(name);
     sandbox.write("file");
     sandbox.write("-rf/file");
+    sandbox.link("../9", "10/link");
     sandbox.link("9", "link");
     sandbox.link("file", "to_file");
     sandbox.link("nowhere", "dangling");
     const std::tuple<std::string, bool, std::string, std::string> rows[] = {
-        {sandbox.path(), false, "-rf .dot 9 10 b link x\ny\xff |", "->>->>>"},
-        {sandbox.path(), true, "-rf 9 10 b link x\ny\xff |", "->-->>"},
+        {sandbox.path(), false, "-rf .dot 9 10 b link x\ny\xff |", "->>>>>>"},
+        {sandbox.path(), true, "-rf 9 10 b link x\ny\xff |", "->>->>"},
         {sandbox.file("link"), true, "sub |", "-"},
         {sandbox.file("file"), false, "|", ""},
         {sandbox.file("missing"), false, "|", ""},
@@ -109,6 +113,19 @@ TEST(DestScan, NamesAreShownWhileADeadOneKeepsItWaitingAndStoppingDoesNotWait) {
     hanging.unlock();
     QApplication::processEvents();
     EXPECT_EQ(told.showings.size(), showings);
+}
+
+TEST(DestScan, NothingIsToldAfterItsEndWheneverThatComes) {
+    const Sandbox sandbox;
+    for (int i = 0; i < 50; ++i)
+        sandbox.mkdir("d" + std::to_string(i));
+    for (int i = 0; i < 300; ++i) {
+        const ToldScan told(sandbox.path());
+        for (int turns = i % 8; turns > 0; --turns)
+            QApplication::processEvents(QEventLoop::AllEvents, 1);
+        if (i % 3 == 0) usleep(300);
+        dest_scan_end(told.scan.get());
+    }
 }
 
 }  // namespace

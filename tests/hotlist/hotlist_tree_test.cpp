@@ -2,8 +2,6 @@
 #include "filelist/navigation.h"
 #include "hotlist_fixture.h"
 
-#include <filesystem>
-
 namespace dorn {
 namespace {
 
@@ -75,11 +73,10 @@ TEST_F(HotlistTreeTest, LoadsDropsDuplicatesAndSavesInOrderAndWithoutAFileIsTheR
 }
 
 TEST_F(HotlistTreeTest, AFileThatCouldNotBeReadIsNotReplacedByTheRoot) {
-    sandbox_.link("hotlist.001", "hotlist.001");  // a loop can't be read, but replaced
+    sandbox_.link("/dev/null", "hotlist.001");  // what is no regular file isn't read, but written
     tree_load(sandbox_.path(), "hotlist.001");
     EXPECT_EQ(shown(), Names{"/"});
     EXPECT_EQ(tree_save(sandbox_.path(), "hotlist.001"), -1);
-    EXPECT_TRUE(std::filesystem::is_symlink(path("hotlist.001")));
 }
 
 TEST_F(HotlistTreeTest, AClickOrEnterShowsTheDirectoryAndLeavesNothingSelected) {

@@ -91,12 +91,18 @@ class Adaptors : public ::testing::Test {
 
 TEST_F(Adaptors, RunWhatTheUserOrTheDesktopHasElseTheFirstThatIsThere) {
     const std::string url = "http://host/a?b='c d'&e";
-    sandbox_.write("shown/x");
+    for (const char* name : {"x", "y.core", "core.cat.0.aa.4711.99.zst", "program"})
+        sandbox_.write(std::string("shown/") + name);
+    sandbox_.mkdir("shown/folder");
+    sandbox_.link("folder", "shown/link");
     sandbox_.write("data/applications/gedit.desktop", "[Desktop Entry]\nExec=gedit %F\n");
     const Words view = {"orv", "x"}, play = {"orplay", "x"}, edit = {"ored", "x"},
-                read = {"ored", "-r", "x"}, browse = {"lanthorn", "-u", url};
+                read = {"ored", "-r", "x"}, browse = {"lanthorn", "-u", url},
+                core = {"dumpinfo", "y.core"}, kept = {"dumpinfo", "core.cat.0.aa.4711.99.zst"};
     const std::string mime = "xdg-mime: echo gedit.desktop";
     const std::string gio = "gio: echo \"Default application for 'text/plain': gedit.desktop\"";
+    const std::string elf = "file: echo \"ELF core file, execfn: '" + shown_ + "/program', x\"";
+    const std::string gdb = "gdb|-batch|-nx|-iex|set auto-load off|-ex|thread apply all backtrace|";
     struct Row {
         Words command, tools, variables, started;
         int status = 0;
@@ -107,6 +113,9 @@ TEST_F(Adaptors, RunWhatTheUserOrTheDesktopHasElseTheFirstThatIsThere) {
         {view, {"xdg-open: exit 4", "exo-open"}, {}, {"exo-open|@/x", "xdg-open|@/x"}},
         {view, {"gio: exit 4", "feh", "mpv"}, {}, {"feh|@/x", "gio|open|@/x"}},
         {view, {"mpv"}, {}, {}, 3},
+        {{"orv", "folder", "x"}, {"xdg-open"}, {}, {"xdg-open|@/x"}, 1},
+        {{"orv", "mis\x1bsing", "x"}, {"xdg-open"}, {}, {"xdg-open|@/x"}, 1},
+        {{"orv"}, {"xdg-open"}, {}, {}, 2},
         {play, {"xdg-open: exit 3", "mpv", "vlc"}, {}, {"vlc|@/x", "xdg-open|@/x"}},
         {edit, {mime, "gedit", "vi"}, {"DISPLAY="}, {"vi|@/x"}},
         {edit, {gio, "gedit", "vi"}, {"DISPLAY=", "WAYLAND_DISPLAY=w"}, {"gedit|@/x"}},
@@ -115,6 +124,9 @@ TEST_F(Adaptors, RunWhatTheUserOrTheDesktopHasElseTheFirstThatIsThere) {
         {edit, {"sensible-editor", "editor", "vi"}, {}, {"sensible-editor|@/x"}},
         {edit, {"vi: exit 7"}, {}, {"vi|@/x"}, 7},
         {edit, {"less"}, {}, {}, 3},
+        {{"ored", "to-be-made"}, {"vi"}, {}, {"vi|@/to-be-made"}},
+        {{"ored", "x", "link"}, {"vi"}, {}, {}, 1},
+        {{"ored", "-q", "x"}, {"vi"}, {}, {}, 2},
         {read, {mime, "gedit", "one"}, {"PAGER=one"}, {"one|@/x"}},
         {read, {"less", "more"}, {"PAGER=one"}, {"less|@/x"}},
         {read, {"vi"}, {}, {}, 3},
@@ -124,6 +136,15 @@ TEST_F(Adaptors, RunWhatTheUserOrTheDesktopHasElseTheFirstThatIsThere) {
         {browse, {"xdg-open", "sensible-browser"}, {"BROWSER=one"}, {"xdg-open|" + url}},
         {browse, {"gio"}, {}, {"gio|open|" + url}},
         {browse, {"eog"}, {}, {}, 3},
+        {{"lanthorn", "-u", "file://" + shown_ + "/folder"}, {"xdg-open"}, {}, {}, 1},
+        {{"dumpinfo", "folder"}, {"file", "gdb"}, {}, {}, 1},
+        {core, {}, {}, {}, 3},
+        {core, {"file", "gdb"}, {}, {"file|-L|-b|--|@/y.core"}},
+        {core,
+         {elf, "gdb"},
+         {},
+         {"file|-L|-b|--|@/y.core", gdb + "--se=@/program|--core=@/y.core"}},
+        {kept, {"coredumpctl", "gdb"}, {}, {"coredumpctl|--no-pager|info|4711"}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(PrintToString(row.command) + PrintToString(row.tools) +
@@ -131,9 +152,9 @@ TEST_F(Adaptors, RunWhatTheUserOrTheDesktopHasElseTheFirstThatIsThere) {
         install(row.tools);
         EXPECT_EQ(run(row.command, row.variables), row.status);
         EXPECT_EQ(started(), row.started);
-        EXPECT_EQ(output_, "");
-        const bool told = errors_.starts_with(row.command[0] + ": there is no ");
-        EXPECT_EQ(told, row.status == 3) << errors_;
+        EXPECT_TRUE(output_.empty() || row.command[0] == "dumpinfo") << output_;
+        EXPECT_TRUE(row.status == 0 || row.status == 7 || !errors_.empty()) << "it must be told";
+        EXPECT_EQ(errors_.find('\x1b'), std::string::npos);
     }
 }
 
@@ -158,28 +179,6 @@ TEST_F(Adaptors, NamesReachTheProgramAsTheyAre) {
             }
         }
         EXPECT_FALSE(is_owned());
-    }
-}
-
-TEST_F(Adaptors, DirectoriesMissingFilesAndUnknownOptionsAreRefused) {
-    install({"xdg-open", "vi"});
-    sandbox_.mkdir("shown/folder");
-    sandbox_.link("folder", "shown/link");
-    sandbox_.write("shown/good");
-    const std::tuple<Words, int, Words> rows[] = {
-        {{"orv", "folder", "good"}, 1, {"xdg-open|@/good"}},
-        {{"orv", "mis\x1bsing", "good"}, 1, {"xdg-open|@/good"}},
-        {{"ored", "good", "link"}, 1, {}},
-        {{"lanthorn", "-u", "file://" + shown_ + "/folder"}, 1, {}},
-        {{"dumpinfo", "folder"}, 1, {}},
-        {{"ored", "-q", "good"}, 2, {}},
-        {{"orv"}, 2, {}},
-        {{"ored", "to-be-made"}, 0, {"vi|@/to-be-made"}}};
-    for (const auto& [command, status, calls] : rows) {
-        EXPECT_EQ(run(command), status) << PrintToString(command);
-        EXPECT_EQ(started(), calls) << PrintToString(command);
-        EXPECT_EQ(errors_.find('\x1b'), std::string::npos);
-        EXPECT_EQ(errors_.empty(), status == 0);
     }
 }
 
@@ -236,34 +235,6 @@ TEST_F(Adaptors, BarePathsBecomeUrlsAndUrlsStay) {
         EXPECT_EQ(run(command), 0) << url << errors_;
         EXPECT_EQ(started(), Words{"xdg-open|" + url});
     }
-}
-
-TEST_F(Adaptors, CoreFilesAreDescribedByWhatIsInstalled) {
-    for (const char* name : {"x.core", "core.cat.0.aa.4711.99.zst", "program"})
-        sandbox_.write(std::string("shown/") + name);
-    const std::string elf = "file: echo \"ELF core file, execfn: '" + shown_ + "/program', x\"";
-    const std::string gdb = "gdb|-batch|-nx|-iex|set auto-load off|-ex|thread apply all backtrace|";
-    struct Row {
-        Words tools;
-        const char* core;
-        Words started;
-        int status = 0;
-    };
-    const Row rows[] = {
-        {{}, "x.core", {}, 3},
-        {{"file: echo ASCII text", "gdb"}, "x.core", {"file|-L|-b|--|@/x.core"}},
-        {{elf, "gdb"},
-         "x.core",
-         {"file|-L|-b|--|@/x.core", gdb + "--se=@/program|--core=@/x.core"}},
-        {{elf, "gdb", "coredumpctl"},
-         "core.cat.0.aa.4711.99.zst",
-         {"coredumpctl|--no-pager|info|4711", "file|-L|-b|--|@/core.cat.0.aa.4711.99.zst"}}};
-    for (const Row& row : rows) {
-        install(row.tools);
-        EXPECT_EQ(run({"dumpinfo", row.core}), row.status) << PrintToString(row.tools);
-        EXPECT_EQ(started(), row.started);
-    }
-    EXPECT_TRUE(output_.starts_with(shown_ + "/core.cat.0.aa.4711.99.zst: ELF core")) << output_;
 }
 
 }  // namespace
