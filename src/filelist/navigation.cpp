@@ -13,6 +13,7 @@
 #include <deque>
 #include <dirent.h>
 #include <memory>
+#include <unistd.h>
 
 namespace dorn {
 
@@ -49,8 +50,10 @@ PathState path_state_here(const std::string& path) {
     if (directory == 0) return PathState::NoDirectory;
     DIR* opened = opendir(path.c_str());
     if (opened == nullptr) return PathState::NoAccess;
+    // One that can be read but not entered would be shown while names mean the directory before.
+    const bool can_enter = faccessat(dirfd(opened), ".", X_OK, 0) == 0;
     closedir(opened);
-    return PathState::Fine;
+    return can_enter ? PathState::Fine : PathState::NoAccess;
 }
 
 // A path that does not answer in time counts as not found.
