@@ -40,10 +40,6 @@ std::vector<std::string> selected_files() {
 }
 
 int fm_open_with_cb(const QComboBox* combo) {
-    if (fl_is_reading()) {  // the selection is not whole before the list is
-        ui_bell();
-        return 0;
-    }
     const std::string command = combo->currentText().toStdString();
     if (isempty(command.c_str()) == 0 && gWithList != nullptr)
         cl_add(gWithList.get(), command.c_str());
@@ -65,6 +61,7 @@ int fm_open_with() {
     QObject::connect(layout.ow_done, &QPushButton::clicked, [combo] { fm_open_with_cb(combo); });
     QObject::connect(layout.ow_cancel, &QPushButton::clicked, sDialog, &QDialog::reject);
     combo->setMinimumWidth(kFieldCharacters * sDialog->fontMetrics().averageCharWidth());
+    dialog_block_base(sDialog);
     dialog_show(sDialog, combo);
     return 0;
 }
