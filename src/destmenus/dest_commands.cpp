@@ -7,10 +7,6 @@
 #include "dirmodel/path_text.h"
 #include "filelist/transfer.h"
 #include "fileops/start.h"
-#include "ui/dialogs.h"
-#include "ui/qt_widget.h"
-
-#include <QTimer>
 
 namespace dorn {
 
@@ -66,9 +62,7 @@ void x_move_to_dest(const char* path) {
 }
 
 void re_route(DestAction action) {
-    QTimer::singleShot(0, qt(w_instance("base")), [action] {
-        if (!ui_is_blocked(w_instance("base"))) action(nullptr);
-    });
+    dtm_run(action, std::nullopt);
 }
 
 }  // namespace dorn

@@ -3,6 +3,7 @@
 #include "config/config.h"
 #include "destmenus/subdirectory_check.h"
 #include "dirmodel/name_translation.h"
+#include "filelist/filelist.h"
 #include "ui/background.h"
 #include "ui/dialogs.h"
 #include "ui/qt_widget.h"
@@ -107,9 +108,7 @@ QMenu* DestMenu::arm(std::size_t index) {
 void DestMenu::activate(std::size_t index) {
     const std::string path = path_of(index);
     close_popups();
-    QTimer::singleShot(0, qt(w_instance("base")), [path, action = action_] {
-        if (!ui_is_blocked(w_instance("base"))) action(path.c_str());
-    });
+    dtm_run(action_, path);
 }
 
 void DestMenu::dtm_menu_realized() {
@@ -217,6 +216,14 @@ void DestMenu::dtm_add_roots(std::vector<DestEntry> roots) {
     set_length(entries_.size());
     for (const DestEntry& root : entries_)
         look_at_root(root.name);
+}
+
+void dtm_run(DestAction action, const std::optional<std::string>& path) {
+    fl_hold_refresh(true);
+    QTimer::singleShot(0, qt(w_instance("base")), [action, path] {
+        fl_hold_refresh(false);
+        if (!ui_is_blocked(w_instance("base"))) action(path ? path->c_str() : nullptr);
+    });
 }
 
 void dtm_errinfo(const char* title, const char* message) {

@@ -82,6 +82,10 @@ class DestMenu : public LongMenu {
     std::map<std::string, DestMenu*> submenus_;  // by the entries' names
 };
 
+/// Runs `action` with the path (null for nothing) once the menus are closed, on the selection that
+/// they were opened for.
+void dtm_run(DestAction action, const std::optional<std::string>& path);
+
 /// A notice with the one button "&Close", shown as soon as the event loop has its turn.
 void dtm_errinfo(const char* title, const char* message);
 

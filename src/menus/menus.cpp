@@ -9,6 +9,7 @@
 #include "dialogs/preferences.h"
 #include "dialogs/properties.h"
 #include "dialogs/symlink.h"
+#include "filelist/filelist.h"
 #include "hotlist/hotlist_tree.h"
 #include "menus/accelerators.h"
 #include "menus/commands.h"
@@ -18,6 +19,7 @@
 #include "menus/view_toggles.h"
 #include "ui/qt_widget.h"
 
+#include <QEvent>
 #include <QMainWindow>
 #include <QMenuBar>
 
@@ -78,6 +80,28 @@ void complete_list_menu_facts(ListMenuFacts* facts) {
     facts->can_paste = em_check_clipboard_for_type(-1, nullptr) != 0;
 }
 
+// While a menu is open the list is not re-read, which would take the selection from under it.
+class RefreshHold : public QObject {
+  public:
+    explicit RefreshHold(QMenu* menu) : QObject(menu) {
+        menu->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Show) hold(true);
+        if (event->type() == QEvent::Hide) hold(false);
+        return QObject::eventFilter(watched, event);
+    }
+
+  private:
+    void hold(bool on) {
+        if (holding_ != on) fl_hold_refresh(on);
+        holding_ = on;
+    }
+
+    bool holding_ = false;
+};
+
 void register_own_commands() {
     for (const OwnCommand& own : kOwnCommands)
         menus_register(own.name, own.command);
@@ -96,6 +120,7 @@ QMenu* popup_menu(const char* name) {
         return menu;
     auto* menu = new QMenu(base);
     menu->setObjectName(QLatin1String(name));
+    new RefreshHold(menu);
     return menu;
 }
 
@@ -122,6 +147,7 @@ void menus_setup() {
         }
         QMenu* menu = bar->addMenu(QString::fromUtf8(table.title));
         menu->setObjectName(QLatin1String(table.name));
+        new RefreshHold(menu);
         menu_build(menu, table);  // screen readers look into menus that are not open
         QObject::connect(menu, &QMenu::aboutToShow, [menu, &table] { menu_build(menu, table); });
     }
