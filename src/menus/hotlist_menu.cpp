@@ -14,6 +14,19 @@
 
 namespace dorn {
 
+namespace {
+
+// A path as an item; a long one is cut in the middle, so that it leaves the screen its room.
+QString item_label(const QMenu* menu, const std::string& path) {
+    constexpr int kWidestEms = 60;
+    const QFontMetrics metrics = menu->fontMetrics();
+    return metrics
+        .elidedText(ui_text(path.c_str()), Qt::ElideMiddle, kWidestEms * metrics.averageCharWidth())
+        .replace(u'&', QStringLiteral("&&"));
+}
+
+}  // namespace
+
 int hm_add() {
     tree_add_cb();
     tb_update();
@@ -37,7 +50,7 @@ void hm_populate(QMenu* menu) {
     for (const std::string& entry : gTree.entries) {
         const char* encoded = fname_encode(entry.c_str());
         const std::string path = encoded != nullptr ? encoded : entry;
-        QAction* action = menu->addAction(ui_label_text(path.c_str()));
+        QAction* action = menu->addAction(item_label(menu, path));
         QObject::connect(action, &QAction::triggered, [path] {
             if (!ui_is_blocked(w_instance("base"))) _new_path(path.c_str());
         });

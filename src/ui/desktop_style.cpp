@@ -103,6 +103,7 @@ void DesktopStyle::polish(QWidget* widget) {
 int DesktopStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                             QStyleHintReturn* data) const {
     if (fusion_ && hint == SH_EtchDisabledText) return 0;
+    if (fusion_ && hint == SH_Menu_Scrollable) return 1;
     return QProxyStyle::styleHint(hint, option, widget, data);
 }
 

@@ -38,10 +38,6 @@ QString ui_text(const char* text) {
     return ui_message_text(text).replace(u'\n', QChar(u'\u21B5'));
 }
 
-QString ui_label_text(const char* text) {
-    return ui_text(text).replace(u'&', QStringLiteral("&&"));
-}
-
 namespace {
 
 constexpr double kUsualPoints = 9;  // what most desktops begin with

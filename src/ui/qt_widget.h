@@ -63,7 +63,5 @@ QIcon ui_icon(const char* own_name, const char* theme_name = nullptr);
 QString ui_text(const char* text);
 /// The same with its lines, for the text of an alert.
 QString ui_message_text(const char* text);
-/// The same with every "&" doubled and on one line, for menus and buttons.
-QString ui_label_text(const char* text);
 
 }  // namespace dorn
