@@ -31,6 +31,7 @@ void pattern_select(const Ui::PatternDlg& layout) {
     if (isempty(pattern.c_str()) == 0 && gPatternList != nullptr)
         cl_add(gPatternList.get(), pattern.c_str());
     sDialog->accept();
+    fl_refresh_if_asked();
     // Names are matched as they are on disk, where a name that can't be written is none.
     const char* encoded = fname_encode(pattern.c_str());
     if (encoded == nullptr) return;

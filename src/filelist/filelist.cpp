@@ -76,9 +76,7 @@ int refresh_once() {
 // By way of the event loop, so that a storm of requests never keeps the user from it.
 void refresh_later() {
     if (gPane.view == nullptr) return;
-    QTimer::singleShot(0, gPane.view, [] {
-        if (sReadAgain) fl_refresh();
-    });
+    QTimer::singleShot(0, gPane.view, fl_refresh_if_asked);
 }
 
 }  // namespace
@@ -115,6 +113,10 @@ int fl_refresh() {
 void fl_hold_refresh(bool on) {
     sHolds += on ? 1 : -1;
     if (sHolds == 0 && sReadAgain) refresh_later();
+}
+
+void fl_refresh_if_asked() {
+    if (sReadAgain) fl_refresh();
 }
 
 int fl_setpath(const char* path) {

@@ -52,6 +52,10 @@ int fl_refresh();
 /// the first. When the last one is let go, what was asked for meanwhile is done once, soon.
 void fl_hold_refresh(bool on);
 
+/// Does that at once instead, for a selection that is to be made now and last. Nothing while it is
+/// still held.
+void fl_refresh_if_asked();
+
 /// Shows the directory `path` (bytes). 0, or -1 when it is refused (the user has been told) or is
 /// the one shown. The history is not touched.
 int fl_setpath(const char* path);

@@ -23,6 +23,7 @@ int fm_refresh() {
 }
 
 int em_select_all() {
+    fl_refresh_if_asked();
     fl_select_all();
     return selection_changed();
 }
