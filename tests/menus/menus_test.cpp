@@ -1,6 +1,8 @@
 #include "menus/menus.h"
 
 #include "config/config.h"
+#include "destmenus/dest_commands.h"
+#include "filelist/filelist.h"
 #include "hotlist/hotlist_tree.h"
 #include "menus/menu_build.h"
 #include "menus/path_bar.h"
@@ -141,6 +143,29 @@ TEST_F(MenusTest, TheViewMenuOpensOnTheToolbarAndItsMarksFollowTheWindow) {
     push("tb_hotlist");
     EXPECT_TRUE(qt(w_instance("hotlist_panel"))->isVisible());
     EXPECT_EQ(gConfig->show_hotlist, 1);
+}
+
+TEST_F(MenusTest, ARefreshWaitsForAnOpenMenuAndForWhatIsChosenFromIt) {
+    const auto ask_behind_a_menu = [] {
+        select({"a"});
+        menus_open_list_menu(0, 0);
+        fl_refresh();
+        EXPECT_EQ(selected(), "a");
+        QApplication::activePopupWidget()->close();
+    };
+    ask_behind_a_menu();
+    EXPECT_TRUE(QTest::qWaitFor([] { return selected().empty(); }));
+
+    static std::string seen;
+    ask_behind_a_menu();
+    re_route([](const char*) { seen = selected(); });
+    EXPECT_TRUE(QTest::qWaitFor([] { return selected().empty(); }));
+    EXPECT_EQ(seen, "a");
+
+    ask_behind_a_menu();
+    menus_run("em_select_all");
+    QCoreApplication::processEvents();
+    EXPECT_NE(selected(), "") << "cleared by the refresh";
 }
 
 TEST_F(MenusTest, TheQuickReferenceListsTheCommandsAndClosesByEscapeOrWithTheMainWindow) {
