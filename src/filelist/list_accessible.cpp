@@ -322,6 +322,31 @@ class Table : public QAccessibleWidget, public QAccessibleTableInterface {
     mutable std::unordered_map<int, QAccessible::Id> cells_;
 };
 
+bool sTelling = false;  // soon
+int sToldRow = -1;      // the row told of last
+
+void tell_of_row(Interface* list, int row) {
+    Interface* cell = row < 0 ? nullptr : list->child((row + 1) * kColumns);
+    if (cell == nullptr) return;
+    QAccessibleEvent changed(
+        cell, is_selected(row) ? QAccessible::SelectionAdd : QAccessible::SelectionRemove);
+    QAccessible::updateAccessibility(&changed);
+}
+
+// The current row and the one that was it before stand for all that changed: the same work for two
+// rows and for a hundred thousand.
+void tell_of_selection(ListView* view) {
+    sTelling = false;
+    Interface* list = QAccessible::queryAccessibleInterface(view);
+    if (list == nullptr) return;
+    QAccessibleEvent within(view, QAccessible::SelectionWithin);
+    QAccessible::updateAccessibility(&within);
+    const int row = view->currentIndex().row();
+    if (sToldRow != row) tell_of_row(list, sToldRow);
+    tell_of_row(list, row);
+    sToldRow = row;
+}
+
 Interface* make(const QString&, QObject* object) {
     // The empty space behind the last title is a button for the mouse alone.
     if (auto* button = dynamic_cast<HeaderButton*>(object);
@@ -341,16 +366,9 @@ void list_accessible_install() {
 }
 
 void list_accessible_selection_changed(ListView* view) {
-    if (!QAccessible::isActive() || view == nullptr) return;
-    QAccessibleEvent within(view, QAccessible::SelectionWithin);
-    QAccessible::updateAccessibility(&within);
-    const int row = view->currentIndex().row();
-    Interface* list = QAccessible::queryAccessibleInterface(view);
-    Interface* cell = list == nullptr || row < 0 ? nullptr : list->child((row + 1) * kColumns);
-    if (cell == nullptr) return;
-    QAccessibleEvent current(
-        cell, is_selected(row) ? QAccessible::SelectionAdd : QAccessible::SelectionRemove);
-    QAccessible::updateAccessibility(&current);
+    if (!QAccessible::isActive() || view == nullptr || sTelling) return;
+    sTelling = true;
+    QTimer::singleShot(0, view, [view] { tell_of_selection(view); });
 }
 
 }  // namespace dorn

@@ -9,7 +9,9 @@ class ListView;
 /// Makes the toolkit use it for every ListView that is asked about from here on.
 void list_accessible_install();
 
-/// Tells a screen reader, where there is one, that the selection has changed.
+/// Tells a screen reader, where there is one, that the selection has changed: soon, when the keys
+/// or the mouse have moved the current row, and once for many changes. (Of the current row itself
+/// the toolkit tells.)
 void list_accessible_selection_changed(ListView* view);
 
 }  // namespace dorn

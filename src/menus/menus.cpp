@@ -14,6 +14,7 @@
 #include "menus/accelerators.h"
 #include "menus/commands.h"
 #include "menus/list_menu.h"
+#include "menus/menu_accessible.h"
 #include "menus/menu_build.h"
 #include "menus/toolbar.h"
 #include "menus/view_toggles.h"
@@ -138,6 +139,7 @@ void open_table_at(const Menu& table, int x, int y) {
 }  // namespace
 
 void menus_setup() {
+    menu_accessible_install();
     register_own_commands();
     auto* bar = qt_instance<QMenuBar>("menu_bar");
     for (const Menu& table : menu_bar_tables()) {

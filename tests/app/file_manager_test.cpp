@@ -4,6 +4,9 @@
 #include "support/child.h"
 #include "support/sandbox.h"
 #include "support_gui/window_test.h"
+#include "ui/qt_widget.h"
+
+#include <QDialog>
 
 #include <csignal>
 #include <cstdlib>
@@ -55,12 +58,15 @@ class FileManager : public ::testing::Test {
     }
 
     // The exit status of the call's program.
-    int call(const std::string& method, const std::vector<std::string>& arguments) const {
-        std::vector<std::string> words = {
-            kCaller, "call", "--session", "-d", kService, "-o", "/org/freedesktop/FileManager1",
-            "-m",    method};
+    int ask(const char* service, const char* object, const std::string& method,
+            const std::vector<std::string>& arguments) const {
+        std::vector<std::string> words = {kCaller, "call", "--session", "-d",  service,
+                                          "-o",    object, "-m",        method};
         words.insert(words.end(), arguments.begin(), arguments.end());
         return end_of_child(start_child(words, setting_));
+    }
+    int call(const std::string& method, const std::vector<std::string>& arguments) const {
+        return ask(kService, "/org/freedesktop/FileManager1", method, arguments);
     }
     int show(const std::string& what, const std::string& uris) const {
         return call(std::string(kService) + "." + what, {"[" + uris + "]", "id_TIME7"});
@@ -96,16 +102,42 @@ TEST_F(FileManager, RefusesWhatIsNoLocalFileOrNotThere) {
     EXPECT_TRUE(opened().empty());
 }
 
-TEST_F(FileManager, OpensOneWindowForTheItemsOfADirectory) {
-    ASSERT_EQ(show("ShowItems", uri("a") + "," + uri("nowhere") + "," + uri("%FF%20x")), 0)
-        << read_file(setting_.errors);
-    ASSERT_TRUE(wait_until([&] { return !opened().empty(); }));
-    const auto processes = opened();
-    ASSERT_EQ(processes.size(), 1u);
-    const std::string& variables = processes.begin()->second;
-    EXPECT_NE(variables.find("DORN_SHOW=select/a/\xff x/" + sandbox_.file("shown")),
-              std::string::npos);
-    EXPECT_NE(variables.find("XDG_ACTIVATION_TOKEN=id_TIME7"), std::string::npos);
+TEST_F(FileManager, OpensOneWindowForADirectory) {
+    const std::string here = sandbox_.file("shown");
+    const std::string items = uri("a") + "," + uri("nowhere") + "," + uri("%FF%20x");
+    struct Case {
+        const char* method;
+        std::string uris;
+        std::string request;
+    };
+    for (const Case& row :
+         {Case{"ShowItems", items, "DORN_SHOW=select/a/\xff x/" + here},
+          Case{"ShowItemProperties", items, "DORN_SHOW=properties/a/\xff x/" + here},
+          Case{"ShowFolders", uri(""), ""}}) {
+        ASSERT_EQ(show(row.method, row.uris), 0) << read_file(setting_.errors);
+        ASSERT_TRUE(wait_until([&] { return !opened().empty(); })) << row.method;
+        const auto processes = opened();
+        ASSERT_EQ(processes.size(), 1u) << row.method;
+        const auto& [pid, variables] = *processes.begin();
+        EXPECT_NE(variables.find(row.request), std::string::npos) << row.method;
+        EXPECT_EQ(variables.find("DORN_SHOW") == std::string::npos, row.request.empty());
+        EXPECT_NE(variables.find("XDG_ACTIVATION_TOKEN=id_TIME7"), std::string::npos);
+        kill(pid, SIGKILL);
+        ASSERT_TRUE(wait_until([&] { return opened().empty(); }));
+    }
+}
+
+TEST_F(FileManager, TheNextInTheQueueAnswersWhenTheFirstHasEnded) {
+    const pid_t next = start_child({DORN_PROGRAM, sandbox_.file("home")}, setting_);
+    EXPECT_TRUE(wait_until([&] {
+        ask("org.freedesktop.DBus", "/", "org.freedesktop.DBus.ListQueuedOwners", {kService});
+        return read_file(setting_.output).find("', '") != std::string::npos;
+    }));
+    kill(first_, SIGTERM);
+    EXPECT_EQ(end_of_child(first_), 0);
+    first_ = next;
+    EXPECT_EQ(show("ShowFolders", uri("")), 0) << read_file(setting_.errors);
+    EXPECT_TRUE(wait_until([&] { return !opened().empty(); }));
 }
 
 class ShowRequestTest : public WindowTest {};
@@ -120,12 +152,16 @@ TEST_F(ShowRequestTest, SelectsInItsDirectoryAlone) {
         std::string selected;
     };
     for (const Case& row :
-         {Case{"select/b/\xff x/" + here, "b \xff x"}, Case{"select/a/missing/" + here, "a"},
+         {Case{"select/b/\xff x/" + here, "b \xff x"}, Case{"properties/a/missing/" + here, "a"},
           Case{"select/b//elsewhere", "a"}, Case{"select/b", "a"}, Case{"/", "a"}}) {
         setenv("DORN_SHOW", row.value.c_str(), 1);
         show_request_apply(show_request_take());
         EXPECT_EQ(selected(), row.selected) << row.value;
         EXPECT_EQ(getenv("DORN_SHOW"), nullptr) << "not for the programs that are started";
+        auto* dialog = qt_instance<QDialog>("property_dlg");
+        const bool is_open = dialog != nullptr && dialog->isVisible();
+        EXPECT_EQ(is_open, row.value.starts_with("properties")) << row.value;
+        if (is_open) dialog->close();
     }
 }
 
