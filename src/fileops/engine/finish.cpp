@@ -65,10 +65,12 @@ void close_copy_directory(Worker& w, int32_t group) {
     const Group* own = w.op->groups[group];
     const uint8_t kind = w.op->groups[own->parent]->kinds[own->parent_name];
     mode_t mode = own->copy_mode;
-    if ((kind & kEntryMade) != 0) {
+    const bool is_made = (kind & kEntryMade) != 0;
+    if (!is_made && own->copy_inode == 0) return;
+    if (is_made) {
         const int from = w.sources.of_group(group);
         struct stat source;
-        if (from < 0 || fstatat(from, ".", &source, 0) != 0) return;
+        if (from < 0 || fstat(from, &source) != 0) return;
         mode = source.st_mode & 0777;
     }
     const int to = w.copies.of_group(group);
@@ -85,7 +87,7 @@ int finish_directory(Worker& w, int32_t group) {
                 .to = -1,
                 .to_name = ".",
                 .new_name = {}};
-    if (c.from < 0 || fstatat(c.from, c.name, &c.source, 0) != 0) {
+    if (c.from < 0 || fstat(c.from, &c.source) != 0) {
         const int error = errno;
         return ask_about(c, "Unable to stat '%s'\n%s\n", source_path(c), error);
     }
@@ -95,8 +97,8 @@ int finish_directory(Worker& w, int32_t group) {
     const bool is_owned = fchownat(c.to, ".", c.source.st_uid, c.source.st_gid, 0) == 0;
     const int result = is_owned ? kEntryDone : ask_owner(c);
     const mode_t mode = c.source.st_mode & 07777;
+    utimensat(c.to, ".", times_of(c).data(), 0);  // while it can still be searched
     fchmodat(c.to, ".", is_owned ? mode : mode & ~kSetIds, 0);
-    utimensat(c.to, ".", times_of(c).data(), 0);
     return result;
 }
 

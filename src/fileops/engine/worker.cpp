@@ -110,11 +110,12 @@ int transfer_group(Worker& w, int32_t group, int32_t* at) {
     return is_through && finished != kStopAll ? 0 : -1;
 }
 
-/// Closes what was opened for content that does not come, since the copying stopped at that entry.
+/// Closes what was opened for content that does not come, since the copying stopped at that entry,
+/// which may have been opened itself.
 void close_copy_directories(Worker& w, int32_t stopped, int32_t at) {
     for (int32_t group = std::max(stopped, 1); group < w.op->group_count; ++group) {
         const Group* own = w.op->groups[group];
-        if (own->parent > stopped || (own->parent == stopped && own->parent_name >= at)) return;
+        if (own->parent > stopped || (own->parent == stopped && own->parent_name > at)) return;
         if (!is_skipped(w.op, group)) close_copy_directory(w, group);
     }
 }
