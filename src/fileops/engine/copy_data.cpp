@@ -201,7 +201,10 @@ int copy_opened(const EntryCopy& c, Fd in, Fd out) {
     const int result = finish_open(c, out.get());
     struct stat own;
     const bool is_known = fstat(out.get(), &own) == 0;
-    if (out.close() == 0) return result;
+    if (out.close() == 0) {
+        if (is_known) note_brought(c.w, own);
+        return result;
+    }
     // A disk may tell only here that it has not taken the data. Of a link's target the name isn't
     // known.
     const int error = errno;
@@ -227,6 +230,7 @@ int copy_regular(EntryCopy& c) {
     for (;;) {
         if (c.exists && is_own_target(c)) return refuse_into_itself(c.w);
         if (c.exists) {
+            if (was_brought(c.w, c.target)) return ask_about(c, kUnwritable, copy_path(c), EEXIST);
             show_entry(c);
             const int answer = ask_overwrite(c.w, kTitle, copy_path(c));
             if (answer != kEntryDone) return answer;

@@ -23,7 +23,7 @@ bool is_in_made_directory(const Worker& w, int32_t group) {
 /// Frees the copy's name for something without content. In a directory made by this operation it
 /// is free, or holds another entry's copy, where names differ in their case only.
 void free_target(const EntryCopy& c) {
-    if (c.looked) unlinkat(c.to, c.to_name, 0);
+    if (c.looked && !was_brought(c.w, c.target_self)) unlinkat(c.to, c.to_name, 0);
 }
 
 /// Whether the link leads to the very file whose place its copy would take.

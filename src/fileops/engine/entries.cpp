@@ -100,6 +100,14 @@ uint64_t print_of(const struct stat& status) {
     return print | 1;
 }
 
+void note_brought(Worker& w, const struct stat& status) {
+    w.brought.insert(mixed(mixed(status.st_dev) + status.st_ino));
+}
+
+bool was_brought(const Worker& w, const struct stat& status) {
+    return w.brought.contains(mixed(mixed(status.st_dev) + status.st_ino));
+}
+
 std::vector<FileId> chain_of(int directory) {
     std::vector<FileId> chain;
     Fd at = open_at(directory, ".", O_PATH | O_DIRECTORY | O_CLOEXEC);

@@ -28,15 +28,20 @@ int move_entry(Worker& w, int32_t index) {
     const int to = w.copies.of_group(0);
     char* name = w.op->groups[0]->names[index];
     const char* to_name = w.copies.name_of(0, index);
+    struct stat source {};
     struct stat status;
+    const bool is_known = fstatat(from, name, &source, AT_SYMLINK_NOFOLLOW) == 0;
     const bool exists = fstatat(to, to_name, &status, 0) == 0;
     if (exists) {
+        if (fstatat(to, to_name, &status, AT_SYMLINK_NOFOLLOW) != 0 || was_brought(w, status))
+            return kEntrySkipped;
         const std::string path = copy_path_of(w, source_path_of(w, 0, index));
         const int answer = ask_overwrite(w, "Move", path);
         if (answer == kStopAll) return kStopAll;
         if (answer == kEntrySkipped) return kEntryDone;
     }
     if (!rename_entry(from, name, to, to_name, exists)) return kEntrySkipped;
+    if (is_known) note_brought(w, source);
     tell_done(w, name);
     return kEntryDone;
 }

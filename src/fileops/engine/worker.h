@@ -16,6 +16,7 @@
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <unordered_set>
 #include <vector>
 
 namespace dorn {
@@ -42,6 +43,7 @@ struct Worker {
     std::vector<char> names;                // what the scan has read of a directory
     int32_t group_capacity = 1;
     std::optional<ModesAhead> modes_ahead;  // of a large removal that may ask
+    std::unordered_set<uint64_t> brought;   // the files that hold what came, see note_brought
 };
 
 // What becomes of an entry.
@@ -100,6 +102,12 @@ void keep_parents(Worker& w, int32_t group);
 
 /// What identifies the content of a file, as far as its status tells: never 0.
 uint64_t print_of(const struct stat& status);
+
+/// Notes the file as holding what this operation brought, which it does not overwrite: another of
+/// its entries may come to the same file by a hard link, a symbolic link or a name that differs in
+/// case only, and a move then removes both sources.
+void note_brought(Worker& w, const struct stat& status);
+bool was_brought(const Worker& w, const struct stat& status);
 
 /// The directory and all above it, as far as they can be reached.
 std::vector<FileId> chain_of(int directory);
