@@ -21,6 +21,16 @@ bool rename_entry(int from, const char* name, int to, const char* to_name, bool 
     return (errno == EINVAL || is_dangling_link) && renameat(from, name, to, to_name) == 0;
 }
 
+/// Whether the entry may take its place in the destination, where `exists` tells what is there.
+/// kEntryDone when it may, kEntrySkipped when the user leaves it out, kStopAll.
+int ask_place(Worker& w, int32_t index, bool* exists) {
+    struct stat status;
+    const char* to_name = w.copies.name_of(0, index);
+    *exists = fstatat(w.copies.of_group(0), to_name, &status, 0) == 0;
+    if (!*exists) return kEntryDone;
+    return ask_overwrite(w, "Move", copy_path_of(w, source_path_of(w, 0, index)));
+}
+
 /// kEntryDone when the entry is through with (renamed or skipped), kEntrySkipped when it is left to
 /// be copied, kStopAll.
 int move_entry(Worker& w, int32_t index) {
@@ -29,18 +39,21 @@ int move_entry(Worker& w, int32_t index) {
     char* name = w.op->groups[0]->names[index];
     const char* to_name = w.copies.name_of(0, index);
     struct stat source {};
-    struct stat status;
+    struct stat there;
     const bool is_known = fstatat(from, name, &source, AT_SYMLINK_NOFOLLOW) == 0;
-    const bool exists = fstatat(to, to_name, &status, 0) == 0;
-    if (exists) {
-        if (fstatat(to, to_name, &status, AT_SYMLINK_NOFOLLOW) != 0 || was_brought(w, status))
-            return kEntrySkipped;
-        const std::string path = copy_path_of(w, source_path_of(w, 0, index));
-        const int answer = ask_overwrite(w, "Move", path);
-        if (answer == kStopAll) return kStopAll;
-        if (answer == kEntrySkipped) return kEntryDone;
+    if (fstatat(to, to_name, &there, AT_SYMLINK_NOFOLLOW) == 0 && was_brought(w, there))
+        return kEntrySkipped;
+    bool exists = false;
+    bool is_renamed = false;
+    // Again where something came to be there since the look: the copying would ask no more once
+    // another entry has been renamed.
+    for (int tries = 0; tries < 2 && !is_renamed; ++tries) {
+        const int answer = ask_place(w, index, &exists);
+        if (answer != kEntryDone) return answer == kStopAll ? kStopAll : kEntryDone;
+        is_renamed = rename_entry(from, name, to, to_name, exists);
+        if (!is_renamed && (exists || errno != EEXIST)) return kEntrySkipped;
     }
-    if (!rename_entry(from, name, to, to_name, exists)) return kEntrySkipped;
+    if (!is_renamed) return kEntrySkipped;
     if (is_known) note_brought(w, source);
     tell_done(w, name);
     return kEntryDone;
