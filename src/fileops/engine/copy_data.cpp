@@ -88,11 +88,16 @@ Fd open_target(EntryCopy& c) {
 /// Moves on to the next run of data. False at the end of the file, which may be behind a hole.
 bool next_data(DataCopy& d) {
     const auto at = static_cast<off_t>(d.copied);
+    // Before the data is looked for: what is appended in between is no hole.
+    const off_t end = lseek(d.in, 0, SEEK_END);
+    if (end < 0) {
+        d.error = errno;
+        return false;
+    }
     const off_t data = lseek(d.in, at, SEEK_DATA);
     if (data < 0 && errno == ENXIO) {
-        const off_t end = std::max(lseek(d.in, 0, SEEK_END), at);
-        d.copied = static_cast<uint64_t>(end);
-        if (ftruncate(d.out, end) != 0) d.error = errno;
+        d.copied = static_cast<uint64_t>(std::max(end, at));
+        if (ftruncate(d.out, static_cast<off_t>(d.copied)) != 0) d.error = errno;
         return false;
     }
     const off_t hole = data < 0 ? -1 : lseek(d.in, data, SEEK_HOLE);
