@@ -299,7 +299,8 @@ void detach() {
     setsid();
     if (chdir("/") != 0) std::perror("clipboard_holder: /");
     if (std::freopen("/dev/null", "r", stdin) == nullptr ||
-        std::freopen("/dev/null", "w", stdout) == nullptr)
+        std::freopen("/dev/null", "w", stdout) == nullptr ||
+        std::freopen("/dev/null", "w", stderr) == nullptr)
         std::perror("clipboard_holder: /dev/null");
 }
 
