@@ -3,6 +3,7 @@
 #include "config/history.h"
 #include "dirmodel/dir_read.h"
 #include "fileops/slots.h"
+#include "fileops/slots_window.h"
 #include "hotlist/hotlist_tree.h"
 #include "ui/qt_widget.h"
 
@@ -43,6 +44,7 @@ int fm_exit() {
     }
     base_closing();
     base->hide();
+    if (slots_window_is_hidden()) slots_show();
     return 0;
 }
 
