@@ -72,7 +72,9 @@ TEST_P(OddTreesTest, ModesTimesAndOwnersComeWithTheCopies) {
 TEST_P(OddTreesTest, NoDirectoryIsLeftOpenThatGetsNoContent) {
     const Fault cancel = {"write", 1, 0, "big", [] { running_operation()->cancelled = 1; }};
     const Fault unlisted = {"openat", 1, EACCES, "locked"};
-    for (const auto& [name, fault] : {std::pair("dir", cancel), {"dir/locked", unlisted}}) {
+    const Fault foreign = {"fchownat", 1, EPERM, "dir"};  // where the user stops
+    for (const auto& [name, fault] :
+         {std::pair("dir", cancel), {"dir/locked", unlisted}, {"dir", foreign}}) {
         for (const mode_t there : {0U, 0711U}) {  // of what has the copy's name; 0: nothing
             SCOPED_TRACE(std::string(name) + " " + std::to_string(there));
             make_trees();
@@ -100,6 +102,22 @@ TEST_P(OddTreesTest, AFailedCopyWhoseNameHasComeToMeanAnotherFileLeavesThatOne) 
     run(GetParam(), copying_with({"write", 2, EIO, "big", take_its_place}), {"Continue"},
         {"dir/big"});
     EXPECT_TRUE(holds(to_, "dir/big", "=newer"));
+}
+
+TEST_P(OddTreesTest, NoTwoSourcesGoIntoOneFile) {
+    names_ = {"a", "b"};
+    for (const bool by_symbolic_link : {false, true}) {
+        make_trees();
+        sandbox_.write("from/b", "second");
+        sandbox_.write("to/a", "older");
+        if (by_symbolic_link)
+            sandbox_.link("a", "to/b");
+        else
+            fs::create_hard_link(to("a"), to("b"));
+        run(GetParam(), kOtherFileSystem, {"Overwrite All", "Continue"}, {"b"});
+        EXPECT_EQ(asked_.back(), "Error writing '" + to("b") + "'\nFile exists\n");
+        EXPECT_TRUE(holds(from_, "b", "=second") && holds(to_, "a", "=first"));
+    }
 }
 
 TEST_P(OddTreesTest, SocketsAndDevicesStayWithoutAWord) {
