@@ -107,8 +107,8 @@ void before_realised() {
 int base_setup(Widget*, int phase) {
     if (phase == 1)
         before_realised();
-    else
-        fl_setpath(gStartPath.c_str());
+    else if (fl_setpath(gStartPath.c_str()) == -1)
+        fl_setpath("/");  // names need a shown directory to be relative to
     show_sort_method(w_instance("fh_filename"));
     return 0;
 }

@@ -8,7 +8,7 @@
 
 namespace dorn {
 
-/// The directory shown first; set by init.
+/// The directory shown first, or "/" where that can't be; set by init.
 extern std::string gStartPath;
 
 /// 0 while the main window exists and is not hidden for good; 1 from then on.
