@@ -1,10 +1,14 @@
 """A private X server with a window manager, and what a person does and sees on it.
 
+screen.py PROGRAM [ARGUMENT...] runs that program on one, with a HOME of its own.
+
 Everything goes in by keys and mouse (xdotool). Every wait is for a condition; one that does not come
 true in time raises Missing, which says what was expected.
 """
 import os
 import subprocess
+import sys
+import tempfile
 import time
 
 PATIENCE = 30.0  # seconds that a condition may take on a busy machine
@@ -93,3 +97,17 @@ class Screen:
         """In the active window or the given one, that many pixels from its upper left corner."""
         self.output("xdotool", "mousemove", "--window", window or self.active_window(), str(x),
                     str(y), "click", "--repeat", str(times), "--delay", "60", str(button))
+
+
+def main(*words):
+    with tempfile.TemporaryDirectory() as home:
+        os.mkdir(home + "/.or")
+        screen = Screen(home, home + "/log")
+        try:
+            return subprocess.run(words, env=screen.environment, check=False).returncode
+        finally:
+            screen.end()
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
