@@ -190,10 +190,17 @@ void DesktopStyle::drawComplexControl(ComplexControl control, const QStyleOption
         draw_outline(painter, *option, option->rect, kRadius);
 }
 
+// What a style is below the settings that a desktop's own wrapping adds to it.
+QString name_below(const QStyle* style) {
+    const auto* proxy = dynamic_cast<const QProxyStyle*>(style);
+    const QStyle* base = proxy == nullptr ? style : proxy->baseStyle();
+    return base->inherits("QFusionStyle") ? QString(kFusion) : style->name();
+}
+
 }  // namespace
 
 void ui_setup_style() {
-    QString name = QApplication::style()->name();
+    QString name = name_below(QApplication::style());
     if (name == QLatin1String("windows")) name = kFusion;
     const bool known = QStyleFactory::keys().contains(name, Qt::CaseInsensitive);
     if (known && (name == kFusion || QGuiApplication::isRightToLeft()))
