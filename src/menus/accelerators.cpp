@@ -79,6 +79,7 @@ void accelerator_install(const MenuItem& item) {
     for (const QKeySequence& key : accelerator_keys(item)) {
         auto* shortcut = new QShortcut(key, owner);
         shortcut->setObjectName(name);
+        shortcut->setAutoRepeat(false);  // a key held down is one command
         shortcut->setContext(in_list ? Qt::WidgetWithChildrenShortcut : Qt::WindowShortcut);
         QObject::connect(shortcut, &QShortcut::activated, [&item] { menus_run(item.name); });
     }
