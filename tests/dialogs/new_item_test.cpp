@@ -1,11 +1,8 @@
 #include "dialogs/new_item.h"
 
-#include "config/config.h"
 #include "dirmodel/name_translation.h"
 #include "support_gui/window_test.h"
 #include "ui/dialogs.h"
-
-#include <QTest>
 
 #include <unistd.h>
 

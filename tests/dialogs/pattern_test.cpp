@@ -1,6 +1,5 @@
 #include "dialogs/pattern.h"
 
-#include "config/config.h"
 #include "config/history.h"
 #include "dirmodel/name_translation.h"
 #include "support_gui/window_test.h"

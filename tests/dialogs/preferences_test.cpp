@@ -1,14 +1,11 @@
 #include "dialogs/preferences.h"
 
-#include "config/config.h"
 #include "hotlist/hotlist_tree.h"
 #include "support_gui/window_test.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QComboBox>
 #include <QFontDialog>
-#include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
 

@@ -8,10 +8,8 @@
 #include "support_gui/window_test.h"
 #include "ui/dialogs.h"
 
-#include <QApplication>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QTest>
 
 #include <memory>
 
@@ -30,7 +28,7 @@ class Drop : public WindowTest {
         dnd_start_timestamp = 0;
     }
     void TearDown() override {
-        EXPECT_TRUE(QTest::qWaitFor([] { return n_slots == 0; }, 20000));
+        await_operations();
         WindowTest::TearDown();
     }
 
@@ -141,7 +139,7 @@ TEST_F(Drop, ADropGoesWhereItWasShownToGoOrNowhere) {
     EXPECT_EQ(fl_drop_shown(), sandbox_.file("here/dir"));
     const QPoint aimed = place("dir");
     sandbox_.mkdir("here/aaa");
-    sandbox_.mkdir("here/bbb");
+    sandbox_.mkdir("here/aab");
     fl_refresh();  // another folder lies under the pointer
     ASSERT_NE(place("dir"), aimed);
     EXPECT_FALSE(drop(aimed));

@@ -6,7 +6,6 @@
 #include "support_gui/window_test.h"
 #include "ui/dialogs.h"
 
-#include <QTest>
 #include <QTimer>
 
 #include <set>

@@ -1,14 +1,11 @@
 #include "filelist/selection.h"
 
-#include "config/config.h"
 #include "filelist/columns.h"
 #include "filelist/list_view.h"
 #include "filelist/pane.h"
 #include "filelist/typeahead.h"
 #include "support/fake_programs.h"
 #include "support_gui/window_test.h"
-
-#include <QTest>
 
 namespace dorn {
 namespace {

@@ -1,5 +1,4 @@
 // Cut, Copy, Paste and Delete by their keys, on a clipboard of the test's own process.
-#include "config/config.h"
 #include "filelist/pane.h"
 #include "fileops/engine/cut_list.h"
 #include "fileops/slots.h"
@@ -12,7 +11,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
-#include <QTest>
 
 namespace dorn {
 namespace {
@@ -34,9 +32,6 @@ class EditClipboard : public WindowTest {
         WindowTest::TearDown();
     }
 
-    static void await_operations() {
-        EXPECT_TRUE(QTest::qWaitFor([] { return n_slots == 0; }, 20000));
-    }
     // The names whose rows show them as cut.
     static std::string marked() {
         std::string names;

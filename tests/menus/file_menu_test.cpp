@@ -1,5 +1,4 @@
 #include "assoc/engine/association.h"
-#include "config/config.h"
 #include "menus/list_menu.h"
 #include "menus/menus.h"
 #include "support/fake_programs.h"

@@ -1,8 +1,6 @@
 #include "menus/menu_tables.h"
 
 #include "menus/accelerators.h"
-#include "menus/menu_build.h"
-#include "menus/menus.h"
 
 #include <gtest/gtest.h>
 #include <map>
@@ -51,45 +49,6 @@ TEST(MenuTables, AKeyBelongsToOneItemOfTheMenuBar) {
         }
     }
     EXPECT_EQ(seen.size(), 31u + 3u);  // Return is on two keys
-}
-
-constexpr MenuItem row(int level, MenuKind kind, const char* name) {
-    return {level, kind, name, 0, nullptr, name};
-}
-constexpr MenuItem kLine = row(0, MenuKind::Separator, nullptr);
-
-// The texts in order, "-" for a separator, submenus in brackets.
-std::string outline(const QMenu& menu) {
-    std::string text;
-    for (const QAction* action : menu.actions()) {
-        text += action->isSeparator() ? "-" : action->text().toStdString();
-        if (action->menu() != nullptr) text += "[" + outline(*action->menu()) + "]";
-    }
-    return text;
-}
-
-TEST(MenuBuild, WhatIsNotRegisteredLeavesNoTrace) {
-    const MenuItem items[] = {kLine,
-                              row(0, MenuKind::Submenu, "s"),
-                              row(1, MenuKind::Separator, nullptr),
-                              row(1, MenuKind::Command, "t"),
-                              kLine,
-                              row(0, MenuKind::Command, "u"),
-                              kLine,
-                              row(0, MenuKind::Generator, "g"),
-                              kLine,
-                              row(0, MenuKind::Command, "v"),
-                              kLine};
-    QMenu menu;
-    std::string built;
-    for (const char* name : {"", "v", "t", "u"}) {
-        if (*name != '\0') menus_register(name, [] { return 0; });
-        menu_build(&menu, items, {});
-        built += outline(menu) + " ";
-    }
-    menus_register_generator("g", [](QMenu* filled) { filled->addAction(QStringLiteral("g")); });
-    menu_build(&menu, items, {});
-    EXPECT_EQ(built + outline(menu), " v s[t]-v s[t]-u-v s[t]-u-g-v");
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 #include "menus/menus.h"
 
-#include "config/config.h"
 #include "destmenus/dest_commands.h"
-#include "filelist/filelist.h"
 #include "hotlist/hotlist_tree.h"
 #include "menus/menu_build.h"
 #include "menus/path_bar.h"
@@ -10,10 +8,8 @@
 #include "support_gui/window_test.h"
 #include "ui/dialogs.h"
 
-#include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
-#include <QTest>
 #include <QTreeWidget>
 
 namespace dorn {

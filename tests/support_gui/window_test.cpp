@@ -6,16 +6,15 @@
 #include "dirmodel/name_translation.h"
 #include "filelist/list_view.h"
 #include "filelist/pane.h"
+#include "fileops/slots.h"
 #include "ui/dialogs.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTest>
 #include <QTimer>
 
 namespace dorn {
@@ -106,6 +105,11 @@ std::string WindowTest::alerts_of(const std::function<void()>& act, const char* 
     timer.start(1);
     act();
     return said.toStdString();
+}
+
+void WindowTest::await_operations() {
+    const auto wait = [] { EXPECT_TRUE(QTest::qWaitFor([] { return n_slots == 0; }, 20000)); };
+    EXPECT_EQ(alerts_of(wait), "");
 }
 
 bool WindowTest::is_open(const char* dialog) {

@@ -2,13 +2,16 @@
 // a test, the pane put back to its start between tests, menus and dialogs closed.
 #pragma once
 
+#include "config/config.h"
 #include "filelist/filelist.h"
 #include "filelist/navigation.h"
 #include "filelist/selection.h"
 #include "support/sandbox.h"
 #include "ui/qt_widget.h"
 
+#include <QApplication>
 #include <QMainWindow>
+#include <QTest>
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -51,6 +54,9 @@ class WindowTest : public ::testing::Test {
     /// What the alerts that `act` leads to say, as "title: text" and a line each. Each is ended by
     /// the button of that label, else closed.
     static std::string alerts_of(const std::function<void()>& act, const char* button = "");
+
+    /// Waits until no operation runs; a question of one is closed and fails the test.
+    static void await_operations();
 
     /// The dialogs, by the instance names of their widgets. What a test leaves open is closed.
     static bool is_open(const char* dialog);
