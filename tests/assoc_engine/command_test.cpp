@@ -193,9 +193,10 @@ TEST_F(CommandTest, HostileNamesAreNotRunWhereNoQuotesFit) {
         return c < 0 || std::isalnum(c) != 0 || std::strchr("/_.,+-@%=: ", c) != nullptr;
     };
     // Where further rules hold the shell is given no name that they could make something of.
-    for (const char* command : {"show `echo @`", "show \"`echo @`\"", "show $(( @ ))",
-                                "sh -c 'show \"x @\"'", "sh -c \"show 'x @'\"", "sh -c 'show # @'",
-                                "show $@", "show \"$(show @)\"", "show << @"}) {
+    for (const char* command :
+         {"show `echo @`", "show \"`echo @`\"", "show $(( @ ))", "sh -c 'show \"x @\"'",
+          "sh -c \"show 'x @'\"", "sh -c 'show # @'", "show $@", "show \"$(show @)\"", "show << @",
+          "show $'a\\' @", "show x >& @"}) {
         for (const std::string& name : shell_names()) {
             EXPECT_EQ(command_line(command, quoted({name})).has_value(),
                       std::ranges::all_of(name, is_plain))

@@ -1,6 +1,7 @@
 // From a template and quoted names to the text that a shell gets.
 #include "assoc/engine/command.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace dorn {
@@ -12,6 +13,15 @@ constexpr std::string_view kApostrophe = "\\047";
 bool is_word_start(std::string_view before) {
     return before.empty() ||
            std::string_view(" \t\n;&|()<>").find(before.back()) != std::string_view::npos;
+}
+
+/// Whether the text begins with output to a file by ">&", whose name one shell expands after it has
+/// taken the quotes off; a descriptor that ends there ("2>&1") is no file.
+bool is_output_to_file(std::string_view text) {
+    if (!text.starts_with(">&")) return false;
+    text.remove_prefix(std::min(text.find_first_not_of(" \t", 2), text.size()));
+    const std::size_t end = std::min(text.find_first_not_of("0123456789-"), text.size());
+    return end == 0 || !is_word_start(text.substr(end, 1));
 }
 
 bool is_quote(char c) {
@@ -98,7 +108,8 @@ class Builder {
                 if (c == '\'')
                     where_ = Where::Plain;
                 else if (std::string_view("\"`#").find(c) != std::string_view::npos ||
-                         ahead.starts_with("<<") || ahead.starts_with("$(("))
+                         ahead.starts_with("<<") || ahead.starts_with("$((") ||
+                         is_output_to_file(ahead))
                     section_nested_ = true;
                 return;
             case Where::Double:
@@ -107,17 +118,20 @@ class Builder {
                 else if (c == '`' || ahead.starts_with("$(") || ahead.starts_with("${") ||
                          ahead.starts_with("$["))
                     nested_ = true;
-                else if (c == '\'' || c == '#' || ahead.starts_with("<<"))
+                else if (c == '\'' || c == '#' || ahead.starts_with("<<") ||
+                         is_output_to_file(ahead))
                     section_nested_ = true;
                 return;
             case Where::Plain:
                 if (is_quote(c)) {
+                    // Some shells read escapes between "$'" and the apostrophe at the end.
+                    nested_ = nested_ || (c == '\'' && out_.ends_with('$'));
                     where_ = c == '\'' ? Where::Single : Where::Double;
                     section_nested_ = false;
                 } else if (c == '#' && is_word_start(out_)) {
                     where_ = Where::Comment;
                 } else if (c == '`' || ahead.starts_with("<<") || ahead.starts_with("((") ||
-                           ahead.starts_with("$[")) {
+                           ahead.starts_with("$[") || is_output_to_file(ahead)) {
                     nested_ = true;
                 }
         }
