@@ -2,6 +2,7 @@
 
 #include "attach.h"
 #include "emulator.h"
+#include "platform/standard_descriptors.h"
 #include "pty.h"
 #include "session.h"
 
@@ -87,5 +88,6 @@ int run(int argc, char** argv) {
 }  // namespace dorn
 
 int main(int argc, char** argv) {
+    dorn::hold_standard_descriptors();
     return dorn::run(argc, argv);
 }

@@ -6,6 +6,7 @@
 #include "app/init.h"
 #include "app/show_request.h"
 #include "platform/signals.h"
+#include "platform/standard_descriptors.h"
 #include "platform/usage.h"
 #include "ui/desktop_style.h"
 #include "ui/dialogs.h"
@@ -108,6 +109,7 @@ void tell_when_idle(QObject* context, void (*ready)()) {
 }  // namespace
 
 int dorn_run(int argc, char** argv, void (*ready)()) {
+    hold_standard_descriptors();
     std::string error;
     const WindowOptions options = usage_parse(argc, argv, &error);
     if (const int status = show_help(options, error, program_name(argv[0])); status != 0)
