@@ -127,6 +127,19 @@ TEST_F(CommandTest, CommandsRunInATerminalAndTerminalCommandsAsTheyAre) {
                                                          {"group"}}));
 }
 
+TEST_F(CommandTest, ThousandsOfNamesReachOneCommand) {
+    std::vector<std::string> names;
+    for (int i = 0; i < 4000; ++i)
+        names.push_back(std::to_string(10000 + i) + " \xc3\xa4 $(touch bad)`touch bad`" +
+                        std::string(30, '"'));
+    list(std::vector<Listed>(names.begin(), names.end()));
+    for (const char* command : {"show", "orterm show"}) {
+        EXPECT_EQ(file_cmd(command, nullptr), 0);
+        EXPECT_EQ(shown(), FakePrograms::Runs{names}) << command;
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(sandbox_.path()));
+}
+
 std::vector<std::string> shell_names() {
     std::vector<std::string> names = hostile_names();
     for (const char* name :

@@ -16,6 +16,7 @@ namespace {
 constexpr const char* kTerminal = "/usr/orrin/bin/orterm";
 constexpr const char* kShell = "/bin/sh";
 constexpr const char* kWhiteSpace = " \t\n\v\f\r";
+constexpr std::size_t kLongestWord = 100000;  // the system takes less than 131072 bytes
 
 bool is_selected(const DirEntry& entry) {
     return (entry.flags & kEntrySelected) != 0;
@@ -66,6 +67,21 @@ int start(const std::string& path, const std::vector<std::string>& arguments) {
     return path.empty() || spawn_program(path, arguments) == -1 ? -1 : 0;
 }
 
+/// The words that have a shell run the line. One that is too long to be a word, with the names of
+/// thousands of files, is cut up; the shell puts it together again.
+std::vector<std::string> shell_words(const char* shell, std::string_view line) {
+    if (line.size() <= kLongestWord) return {shell, "-c", std::string(line)};
+    std::vector<std::string> pieces;
+    std::string joined;
+    for (; !line.empty(); line.remove_prefix(pieces.back().size())) {
+        pieces.emplace_back(line.substr(0, kLongestWord));
+        joined += "${" + std::to_string(pieces.size()) + "}";
+    }
+    std::vector<std::string> words = {shell, "-c", "eval \"" + joined + "\"", shell};
+    words.insert(words.end(), pieces.begin(), pieces.end());
+    return words;
+}
+
 }  // namespace
 
 int file_cmd(const char* command, const char* name) {
@@ -87,9 +103,10 @@ int misc_run(int input_group, int keep, const char* command) {
     if (*command == '\0') return -1;
     set_input_group(input_group);
     if (is_terminal_command(command))
-        return start(kShell, {"sh", "-c", std::string("exec ") + command + " &"});
-    return start(orrin_program(kTerminal),
-                 {kTerminal, keep != 0 ? "-zU" : "-U", kShell, "-c", command});
+        return start(kShell, shell_words("sh", std::string("exec ") + command + " &"));
+    std::vector<std::string> words = shell_words(kShell, command);
+    words.insert(words.begin(), {kTerminal, keep != 0 ? "-zU" : "-U"});
+    return start(orrin_program(kTerminal), words);
 }
 
 int misc_spawn(int, const std::vector<std::string>& arguments) {
