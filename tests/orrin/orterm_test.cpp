@@ -237,6 +237,22 @@ TEST_F(Orterm, ControlCInterruptsAndAStoppedProgramGoesOn) {
     EXPECT_EQ(status(), 0);
 }
 
+TEST_F(Orterm, AProgramThatLostTheForegroundReadsAllTheSame) {
+    start({"python3", "-ISc",
+           "import os, signal\n"
+           "if os.fork() == 0:\n"
+           "    signal.signal(signal.SIGTTOU, signal.SIG_IGN)\n"
+           "    os.setpgid(0, 0)\n"
+           "    os._exit(os.tcsetpgrp(0, os.getpid()) or 0)\n"
+           "os.wait()\n"
+           "os.write(1, b'ready')\n"
+           "os._exit(os.read(0, 9) != b'a\\n')"});
+    EXPECT_TRUE(shows("ready"));
+    type("a\r");
+    EXPECT_TRUE(closes());
+    EXPECT_EQ(status(), 0);
+}
+
 // Where the command lives on it is told by a hang-up, as by any terminal that goes.
 TEST_F(Orterm, NothingIsLeftWhenTheWindowIsClosedOrAnyPartyIsKilled) {
     const std::pair<const char*, int> rows[] = {
