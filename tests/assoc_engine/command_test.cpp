@@ -74,6 +74,7 @@ TEST_F(CommandTest, TemplatesBecomeCommandLines) {
     const std::string names = quoted({"a b", "c"});
     const std::pair<const char*, const char*> rows[] = {
         {"lpr", "lpr 'a b' 'c' "},
+        {"lpr\r\n", "lpr 'a b' 'c' "},
         {"echo \\@ '@'", "echo @ 'a b' 'c' "},
         {"x \"@\"|y @z", "x 'a b' 'c' |y 'a b' 'c' z"},
         {"x \\@", "x \\@ 'a b' 'c' "},  // without an "@" it stays as it is

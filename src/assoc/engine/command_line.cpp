@@ -201,7 +201,10 @@ std::size_t add_name(std::string* buffer, const std::string& name) {
 }
 
 std::optional<std::string> command_line(const std::string& command, const std::string& names) {
-    return Builder(command, names).build();
+    // A line break at the end, come with a line that was pasted, would leave appended names a line
+    // of their own.
+    const std::string_view line(command.data(), command.find_last_not_of("\r\n") + 1);
+    return Builder(line, names).build();
 }
 
 }  // namespace dorn
