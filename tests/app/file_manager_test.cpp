@@ -49,7 +49,7 @@ class FileManager : public ::testing::Test {
             kill(pid, SIGKILL);
         if (first_ > 0) {
             kill(first_, SIGTERM);
-            EXPECT_EQ(end_of_child(first_), 0);
+            EXPECT_EQ(end_of_child(first_), 0) << read_file(setting_.errors);
         }
         if (bus_ > 0) {
             kill(bus_, SIGTERM);
@@ -134,7 +134,7 @@ TEST_F(FileManager, TheNextInTheQueueAnswersWhenTheFirstHasEnded) {
         return read_file(setting_.output).find("', '") != std::string::npos;
     }));
     kill(first_, SIGTERM);
-    EXPECT_EQ(end_of_child(first_), 0);
+    EXPECT_EQ(end_of_child(first_), 0) << read_file(setting_.errors);
     first_ = next;
     EXPECT_EQ(show("ShowFolders", uri("")), 0) << read_file(setting_.errors);
     EXPECT_TRUE(wait_until([&] { return !opened().empty(); }));
