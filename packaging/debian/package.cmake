@@ -32,5 +32,5 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, file, sensible-utils, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
     "breeze-icon-theme, less, libglib2.0-bin, qt6-wayland, x-terminal-emulator")
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "gdb")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cups-bsd | lpr, gdb")
 include(CPack)
