@@ -150,14 +150,22 @@ TEST_F(ShowRequestTest, SelectsInItsDirectoryAlone) {
     struct Case {
         std::string value;
         std::string selected;
+        ShowRequest request;
     };
-    for (const Case& row :
-         {Case{"select/b/\xff x/" + here, "b \xff x"}, Case{"properties/a/missing/" + here, "a"},
-          Case{"select/b//elsewhere", "a"}, Case{"select/b", "a"}, Case{"/", "a"}}) {
+    std::vector<Case> rows = {{"select/b/\xff x/" + here, "b \xff x", {}},
+                              {"properties/a/missing/" + here, "a", {}},
+                              {"select/b//elsewhere", "a", {}},
+                              {"select/b", "a", {}},
+                              {"/", "a", {}}};
+    // As at the start, before a thread reads the environment to start a program.
+    for (Case& row : rows) {
         setenv("DORN_SHOW", row.value.c_str(), 1);
-        show_request_apply(show_request_take());
-        EXPECT_EQ(selected(), row.selected) << row.value;
+        row.request = show_request_take();
         EXPECT_EQ(getenv("DORN_SHOW"), nullptr) << "not for the programs that are started";
+    }
+    for (const Case& row : rows) {
+        show_request_apply(row.request);
+        EXPECT_EQ(selected(), row.selected) << row.value;
         auto* dialog = qt_instance<QDialog>("property_dlg");
         const bool is_open = dialog != nullptr && dialog->isVisible();
         EXPECT_EQ(is_open, row.value.starts_with("properties")) << row.value;
