@@ -30,8 +30,6 @@ int base_window_closed = 0;
 
 namespace {
 
-bool sSignalled = false;  // the re-read under way was asked for by a signal
-
 // Whether the user is at work elsewhere than in the panes: in a text field of the main window, in a
 // dialog, in another program.
 bool is_elsewhere() {
@@ -121,7 +119,7 @@ int base_opening() {
 void base_update() {
     status_bar_update();
     // A re-read that another process asked for leaves a half-typed path, and the keyboard, alone.
-    if (!sSignalled || !is_elsewhere()) {
+    if (!fl_is_refreshed_quietly() || !is_elsewhere()) {
         tb_curpath_set_text(gDir->path.c_str());
         misc_give_focus(w_instance("filelist"));
     }
@@ -129,10 +127,7 @@ void base_update() {
 }
 
 void signal_refresh() {
-    if (base_window_closed != 0) return;
-    sSignalled = true;
-    fl_refresh();
-    sSignalled = false;
+    if (base_window_closed == 0) fl_refresh_quietly();
 }
 
 void init_link() {

@@ -26,6 +26,8 @@ namespace {
 Timer ftimer;
 bool sReading = false;
 bool sReadAgain = false;  // a refresh was asked for that could not be done yet
+bool sQuiet = false;      // the one under way was asked for by other processes alone
+bool sQuietAgain = true;  // and so was what could not be done yet
 int sHolds = 0;           // that keep refreshes waiting
 std::string last_path;    // the directory that the list showed last
 
@@ -45,7 +47,7 @@ std::string name_to_return_to(bool same_directory) {
 
 void place_after_read(const std::string& name, bool same_directory) {
     const bool scroll = !same_directory;
-    const int32_t index = name.empty() ? -1 : x_find(name.c_str(), 0, kFindExact, nullptr);
+    const int32_t index = name.empty() ? -1 : fl_find_name(name.c_str());
     fl_place_current(index, scroll);
 }
 
@@ -79,6 +81,22 @@ void refresh_later() {
     QTimer::singleShot(0, gPane.view, fl_refresh_if_asked);
 }
 
+// Does it now, for all who have asked, or notes that it is to be done.
+int refresh(bool quiet) {
+    quiet = quiet && sQuietAgain;
+    sReadAgain = sReading || sHolds > 0;
+    sQuietAgain = !sReadAgain || quiet;
+    if (sReadAgain) return 0;
+    fl_cache();
+    sReading = true;
+    sQuiet = quiet;
+    const int result = refresh_once();
+    sReading = false;
+    sQuiet = false;
+    if (sReadAgain) refresh_later();
+    return result;
+}
+
 }  // namespace
 
 void fl_setup() {
@@ -97,17 +115,15 @@ bool fl_is_reading() {
 }
 
 int fl_refresh() {
-    if (sReading || sHolds > 0) {
-        sReadAgain = true;
-        return 0;
-    }
-    fl_cache();
-    sReading = true;
-    sReadAgain = false;
-    const int result = refresh_once();
-    sReading = false;
-    if (sReadAgain) refresh_later();
-    return result;
+    return refresh(false);
+}
+
+int fl_refresh_quietly() {
+    return refresh(true);
+}
+
+bool fl_is_refreshed_quietly() {
+    return sQuiet;
 }
 
 void fl_hold_refresh(bool on) {
@@ -116,7 +132,7 @@ void fl_hold_refresh(bool on) {
 }
 
 void fl_refresh_if_asked() {
-    if (sReadAgain) fl_refresh();
+    if (sReadAgain) refresh(true);
 }
 
 int fl_setpath(const char* path) {

@@ -48,6 +48,12 @@ void fl_update();
 /// while another runs is done once after it. Returns 0.
 int fl_refresh();
 
+/// The same for another process that asks for it, which the user knows nothing of.
+int fl_refresh_quietly();
+
+/// Whether nobody but other processes asked for the refresh under way. For the notify callback.
+bool fl_is_refreshed_quietly();
+
 /// With `on` keeps refreshes waiting, so that the entries stay what they are; a second hold adds to
 /// the first. When the last one is let go, what was asked for meanwhile is done once, soon.
 void fl_hold_refresh(bool on);

@@ -24,6 +24,13 @@ TEST_F(Base, ASignalledRereadLeavesTheUserWhereTheyWork) {
     EXPECT_EQ(field->currentText(), QStringLiteral("/half/ty"));
     EXPECT_EQ(window_->focusWidget(), field);
 
+    fl_hold_refresh(true);
+    sandbox_.write("made meanwhile");
+    signal_refresh();
+    fl_hold_refresh(false);
+    EXPECT_TRUE(QTest::qWaitFor([] { return gDir->count == 2; }));
+    EXPECT_EQ(field->currentText(), QStringLiteral("/half/ty"));
+
     qt(w_instance("filelist"))->setFocus();
     QWidget dialog;
     dialog.show();
