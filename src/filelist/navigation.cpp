@@ -143,7 +143,7 @@ void fl_up() {
         parent.resize(slash);
     }
     if (fl_newpath(nullptr, parent.c_str()) == 0)
-        fl_select_index(fl_goto(child.c_str(), 0, kFindExact));
+        fl_select_index(fl_goto_index(fl_find_name(child.c_str())));
 }
 
 void fl_down() {
