@@ -89,6 +89,8 @@ void HeaderButton::mousePressEvent(QMouseEvent* event) {
 }
 
 void HeaderButton::mouseMoveEvent(QMouseEvent* event) {
+    // The release goes unseen while the window is blocked.
+    if (!event->buttons().testFlag(Qt::LeftButton)) dragged_column_ = 0;
     if (dragged_column_ != 0) {
         constexpr int narrowest = 16;
         const int to_right = event->globalPosition().toPoint().x() - drag_start_x_;

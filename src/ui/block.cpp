@@ -2,6 +2,8 @@
 #include "ui/dialogs.h"
 #include "ui/qt_widget.h"
 
+#include <QAbstractButton>
+#include <QAbstractSlider>
 #include <QApplication>
 #include <QCursor>
 #include <QEvent>
@@ -44,6 +46,13 @@ bool is_drop(QEvent::Type type) {
     return type == QEvent::DragMove || type == QEvent::Drop;
 }
 
+// What was pressed before the block is not to stay pressed after it: a scroll bar would scroll on
+// by itself. True when the widget is to be told.
+bool let_go(QObject* watched) {
+    if (auto* button = qobject_cast<QAbstractButton*>(watched)) button->setDown(false);
+    return qobject_cast<QAbstractSlider*>(watched) != nullptr;
+}
+
 // Swallows the input of blocked widgets and their children. In place only while there are any.
 class InputFilter : public QObject {
   public:
@@ -52,6 +61,7 @@ class InputFilter : public QObject {
         auto* widget = static_cast<QWidget*>(watched);
         for (; widget != nullptr; widget = widget->isWindow() ? nullptr : widget->parentWidget()) {
             if (!ui_is_blocked(handle(widget))) continue;
+            if (event->type() == QEvent::MouseButtonRelease && let_go(watched)) return false;
             event->setAccepted(!is_drop(event->type()));
             return true;
         }

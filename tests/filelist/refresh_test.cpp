@@ -6,6 +6,8 @@
 #include "support_gui/window_test.h"
 #include "ui/dialogs.h"
 
+#include <QAbstractButton>
+#include <QScrollBar>
 #include <QTimer>
 
 #include <set>
@@ -98,6 +100,30 @@ TEST_F(Refresh, AStormOfRequestsDuringAReadLeavesOneCorrectList) {
     EXPECT_LE(sReads, 210);
     EXPECT_EQ(text_of("status2"), "300 items, 0 bytes");
     EXPECT_EQ(gPane.model->rowCount(), 301);
+}
+
+struct ScrollBar : QScrollBar {
+    static SliderAction action_of(const QScrollBar* bar) {
+        return (bar->*&ScrollBar::repeatAction)();
+    }
+};
+
+TEST_F(Refresh, AReleaseDuringABlockEndsWhatThePressBegan) {
+    make_files(200);
+    show_sandbox();
+    QScrollBar* bar = gPane.view->verticalScrollBar();
+    const QPoint end(bar->width() / 2, bar->height() - 3);
+    QTest::mousePress(bar, Qt::LeftButton, {}, end);
+    EXPECT_NE(ScrollBar::action_of(bar), QAbstractSlider::SliderNoAction);
+    auto* refresh = qt_instance<QAbstractButton>("tb_refresh");
+    refresh->setDown(true);
+    {
+        const ScopedBlock block(w_instance("base"));
+        QTest::mouseRelease(bar, Qt::LeftButton, {}, end);
+        QTest::mouseRelease(refresh, Qt::LeftButton);
+    }
+    EXPECT_EQ(ScrollBar::action_of(bar), QAbstractSlider::SliderNoAction);
+    EXPECT_FALSE(refresh->isDown());
 }
 
 TEST_F(Refresh, TheWindowIsBlockedButAliveDuringALongRead) {
