@@ -24,6 +24,11 @@ constexpr char kPatternFile[] = "pattern.001";
 constexpr char kWithFile[] = "with.001";
 constexpr char kCopyFile[] = "copy.001";
 
+// Whether a line of the file gives back that text.
+bool is_kept(const std::string& text) {
+    return text.size() < kPieceSize && text.find('\n') == std::string::npos;
+}
+
 // The slot of the n-th entry, counting from 0 at the newest.
 int slot_of(const HistoryList& list, int n) {
     return (list.head + n) % kHistorySlots;
@@ -98,8 +103,9 @@ std::unique_ptr<HistoryList> cl_read(const char* directory, const char* file_nam
 void cl_save(const HistoryList* list, const char* directory, const char* file_name) {
     if (list == nullptr || directory == nullptr || file_name == nullptr) return;
     std::string content;
-    for (int n = 0; n < list->count; ++n)
-        content += entry(*list, n) + "\n";
+    for (int n = 0; n < list->count; ++n) {
+        if (is_kept(entry(*list, n))) content += entry(*list, n) + "\n";
+    }
     (void)write_whole_file(join_path(directory, file_name), content);
 }
 

@@ -38,8 +38,9 @@ std::unique_ptr<HistoryList> cl_parse(std::string_view content);
 /// a null argument gives an empty list.
 std::unique_ptr<HistoryList> cl_read(const char* directory, const char* file_name);
 
-/// Writes the entries, newest first, one a line; whole or not at all. A file that can't be written
-/// or a null argument is passed over in silence.
+/// Writes the entries, newest first, one a line; whole or not at all. What a line can't hold (a
+/// newline, 1022 bytes or more) is left out, for it would come back as something else. A file that
+/// can't be written or a null argument is passed over in silence.
 void cl_save(const HistoryList* list, const char* directory, const char* file_name);
 
 /// Records a use of `text`: it becomes the newest entry; the oldest goes when 20 others are held.

@@ -73,6 +73,8 @@ TEST(History, ListsLiveFromReadingToDestroyingThem) {
     sandbox.write("with.001", "vi\n");
     init_read_cboxs(sandbox.path());
     EXPECT_EQ(texts_of(gSpecList.get()), Texts{"*"});
+    cl_add(gPathList.get(), "/line\nbreak");
+    cl_add(gPathList.get(), ("/" + std::string(1021, 'x')).c_str());
     cl_add(gPathList.get(), "/usr");
     cl_add(gPatternList.get(), "*.c");
     cl_add(gWithList.get(), "ed");
