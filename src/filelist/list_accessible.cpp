@@ -6,6 +6,7 @@
 #include "filelist/navigation.h"
 #include "filelist/pane.h"
 #include "filelist/selection.h"
+#include "ui/dialogs.h"
 #include "ui/qt_widget.h"
 
 #include <QAccessible>
@@ -28,6 +29,12 @@ int row_count() {
 // The entry that a row shows: -1 for the parent row, -2 for no row.
 int32_t entry_of(int row) {
     return row < 0 || row >= row_count() ? -2 : gPane.rows[static_cast<std::size_t>(row)].index;
+}
+
+// What a blocked window takes neither from the mouse nor from the keyboard it takes from nobody:
+// while the directory is read the rows are not those of the entries.
+bool is_blocked() {
+    return ui_is_blocked(w_instance("base"));
 }
 
 bool is_selected(int row) {
@@ -183,10 +190,12 @@ QList<Interface*> Cell::columnHeaderCells() const {
 
 // By way of the event loop: opening may take as long as the user takes to answer a question.
 void Cell::doAction(const QString& action) {
-    if (!isValid() || is_title()) return;
+    if (!isValid() || is_title() || is_blocked()) return;
     const int32_t index = entry_of(row_);
     if (action == pressAction())
-        QTimer::singleShot(0, view_, [index] { fl_open(index); });
+        QTimer::singleShot(0, view_, [index] {
+            if (!is_blocked()) fl_open(index);
+        });
     else if (action == toggleAction())
         fl_invert_index(index);
     else if (action == setFocusAction())
@@ -270,11 +279,11 @@ class Table : public QAccessibleWidget, public QAccessibleTableInterface {
         return is_selected(row);
     }
     bool selectRow(int row) override {
-        fl_select_index(entry_of(row));
+        if (!is_blocked()) fl_select_index(entry_of(row));
         return is_selected(row);
     }
     bool unselectRow(int row) override {
-        fl_unselect_index(entry_of(row));
+        if (!is_blocked()) fl_unselect_index(entry_of(row));
         return !is_selected(row);
     }
 
