@@ -13,9 +13,11 @@ say() {
     printf '%s: %s\n' "$me" "$1" >&2
 }
 
-# A name as a terminal may be shown it.
+# A name as a terminal may be shown it: "?" for each control character, those of two bytes in UTF-8
+# among them.
 shown() {
-    printf '%s' "$1" | LC_ALL=C tr '\001-\037\177' '?'
+    printf '%s' "$1" | LC_ALL=C tr '\001-\037\177' '?' |
+        LC_ALL=C sed "$(printf 's/\302[\200-\237]/?/g')"
 }
 
 have() {

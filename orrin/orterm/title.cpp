@@ -36,6 +36,13 @@ bool is_utf8(const std::string& text) {
     return true;
 }
 
+/// Whether a control character begins there, of one byte or, in valid UTF-8, of two.
+bool is_control(const std::string& text, size_t at) {
+    const auto byte = [&](size_t index) { return static_cast<unsigned char>(text[index]); };
+    if (byte(at) < 0x20 || byte(at) == 0x7F) return true;
+    return byte(at) == 0xC2 && at + 1 < text.size() && byte(at + 1) < 0xA0;
+}
+
 bool is_shell_line(const std::vector<std::string>& command) {
     return command.size() == 3 && command[1] == "-c" &&
            (command[0] == "sh" || command[0] == "/bin/sh");
@@ -52,9 +59,12 @@ std::string window_title(const std::vector<std::string>& command) {
             title += (title.empty() ? "" : " ") + word;
     }
     const bool valid = is_utf8(title);
-    for (char& byte : title) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (value < 0x20 || value == 0x7F || (value > 0x7F && !valid)) byte = '?';
+    for (size_t at = 0; at < title.size(); ++at) {
+        const bool above = static_cast<unsigned char>(title[at]) > 0x7F;
+        if (above && !valid)
+            title[at] = '?';
+        else if (is_control(title, at))
+            title.replace(at, above ? 2 : 1, "?");
     }
     if (!title.empty() && title[0] == '-') title.insert(0, 1, ' ');
     if (title.size() > kLongestTitle) {

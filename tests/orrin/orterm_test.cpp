@@ -365,7 +365,7 @@ TEST_F(Orterm, WithoutAWindowTheOutputGoesToStandardError) {
 
 // Each of these notes its arguments and fails, so that the next one is tried.
 TEST_F(Orterm, EmulatorsAreTriedInOrderEachInItsOwnForm) {
-    const std::string title = "echo 'gr\xc3\xbcn'?", attach = kOrterm + "|--attach|orterm-";
+    const std::string title = "echo 'gr\xc3\xbcn'?#?", attach = kOrterm + "|--attach|orterm-";
     const std::pair<std::string, std::string> calls[] = {
         {"mine", "-a|b|-e|" + attach},
         {"x-terminal-emulator", "-T|" + title + "|-e|" + attach},
@@ -379,7 +379,7 @@ TEST_F(Orterm, EmulatorsAreTriedInOrderEachInItsOwnForm) {
     setting_.variables["PATH"] = sandbox_.file("bin") + ":/bin:/usr/bin";
     setting_.variables["TERMINAL"] = "mine -a b";
     setting_.variables["DISPLAY"] = ":no-such-display";
-    start({"/bin/sh", "-c", "echo 'gr\xc3\xbcn'\n"});
+    start({"/bin/sh", "-c", "echo 'gr\xc3\xbcn'\n#\xc2\x9b"});
     EXPECT_EQ(status(), 0);
     std::istringstream log(sandbox_.read("log"));
     for (const auto& [name, arguments] : calls) {
