@@ -3,16 +3,11 @@
 #include "assoc/engine/association.h"
 #include "config/config.h"
 #include "support_gui/window_test.h"
-#include "ui/qt_widget.h"
 
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
 #include <QTreeWidget>
 
 #include <array>
 #include <functional>
-#include <gtest/gtest.h>
 
 namespace dorn {
 namespace {
@@ -33,8 +28,6 @@ class AssociateTest : public WindowTest {
             {{"*.c", "ored", "ored -r", ""}, {"*.x\xFF", "<b>x</b>", "", "e"}, {"*", "", "v", ""}});
     }
     void TearDown() override {
-        if (QWidget* list = shown_dialog("associate_dlg")) list->close();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         gConfigPath = nullptr;
         WindowTest::TearDown();
     }
@@ -54,15 +47,8 @@ class AssociateTest : public WindowTest {
         return sandbox_.read("associate.003");
     }
 
-    static QWidget* shown_dialog(const char* name) {
-        QWidget* dialog = qt(w_instance(name));
-        return dialog != nullptr && dialog->isVisible() ? dialog : nullptr;
-    }
     static QTreeWidget* list() {
         return qt_instance<QTreeWidget>("as_list");
-    }
-    static void push(const char* button) {
-        QTest::mouseClick(qt_instance<QPushButton>(button), Qt::LeftButton);
     }
     static bool usable(const char* button) {
         return qt(w_instance(button))->isEnabled();
@@ -72,7 +58,7 @@ class AssociateTest : public WindowTest {
     }
     static int selected_row() {
         const QList<QTreeWidgetItem*> items = list()->selectedItems();
-        return items.size() == 1 ? list()->indexOfTopLevelItem(items.front()) + 1 : 0;
+        return items.empty() ? 0 : list()->indexOfTopLevelItem(items.front()) + 1;
     }
     static std::string patterns_shown() {
         std::string text;
@@ -80,9 +66,15 @@ class AssociateTest : public WindowTest {
             text += list()->topLevelItem(i)->text(0).toStdString() + ' ';
         return text;
     }
-    static void enter(const Row& row) {
+    static void enter_row(const Row& row) {
         for (std::size_t i = 0; i < row.size(); ++i)
-            qt_instance<QLineEdit>(kFields[i])->setText(QString::fromStdString(row[i]));
+            enter(kFields[i], row[i]);
+    }
+    /// Adds a row, or what "OK" says.
+    static std::string add(const Row& row) {
+        push("as_add");
+        enter_row(row);
+        return alerts_of([] { push("at_done"); });
     }
 
     std::string directory_;
@@ -90,9 +82,9 @@ class AssociateTest : public WindowTest {
 
 TEST_F(AssociateTest, AListMayBeEmptiedAndFilled) {
     em_edit_associations();
-    ASSERT_TRUE(QTest::qWaitFor([] { return list()->hasFocus(); }));
+    ASSERT_TRUE(gets_focus("as_list"));
     for (const std::string left : {"*.x\xEF\xBF\xBD * ", "* ", "", ""}) {
-        QTest::keyClick(list(), Qt::Key_Delete);
+        press_in("as_list", Qt::Key_Delete);
         EXPECT_EQ(patterns_shown(), left);
         EXPECT_EQ(usable("as_remove"), !left.empty());
     }
@@ -102,9 +94,7 @@ TEST_F(AssociateTest, AListMayBeEmptiedAndFilled) {
     EXPECT_EQ(file().size(), 80U) << "the header";
 
     em_edit_associations();
-    push("as_add");
-    enter({"*.x", "", "look", ""});
-    push("at_done");
+    add({"*.x", "", "look", ""});
     EXPECT_TRUE(usable("as_remove"));
     push("as_done");
     EXPECT_EQ(table(), "*.x||look|\n");
@@ -114,12 +104,10 @@ TEST_F(AssociateTest, EditingARowKeepsItsPlaceAndItsOtherBytesAndSelectsTheFirst
     em_edit_associations();
     select(2);
     push("as_edit");
-    qt_instance<QLineEdit>("at_view_cmd")->setText(QStringLiteral("look"));
+    enter("at_view_cmd", "look");
     push("at_done");
     EXPECT_EQ(selected_row(), 1);
-    push("as_add");
-    enter({"*.new", "o", "", ""});
-    push("at_done");
+    add({"*.new", "o", "", ""});
     push("as_done");
     EXPECT_EQ(table(), "*.c|ored|ored -r|\n*.x\xFF|<b>x</b>|look|e\n*||v|\n*.new|o||\n");
     EXPECT_EQ(file(), assoc_format(apat));
@@ -140,13 +128,11 @@ TEST_F(AssociateTest, WhatTheFileCouldNotHoldIsRefusedInTheEditor) {
         {{"*.x", std::string(500, 'o'), std::string(500, 'v'), std::string(17, 'e')}, kTooLong}};
     em_edit_associations();
     const std::string kept = patterns_shown();
-    push("as_add");
     for (const auto& [row, message] : rows) {
-        enter(row);
-        EXPECT_EQ(alerts_of([] { push("at_done"); }), "DORN: " + message);
-        EXPECT_NE(shown_dialog("assoc_type_dlg"), nullptr) << message;
+        EXPECT_EQ(add(row), "DORN: " + message);
+        EXPECT_TRUE(is_open("assoc_type_dlg")) << message;
+        push("at_cancel");
     }
-    push("at_cancel");
     EXPECT_EQ(patterns_shown(), kept);
 }
 
@@ -160,9 +146,7 @@ TEST_F(AssociateTest, WhatIsTakenComesBackFromTheFile) {
     for (const auto& [entered, row] : rows) {
         set_table({});
         em_edit_associations();
-        push("as_add");
-        enter(entered);
-        EXPECT_EQ(alerts_of([] { push("at_done"); }), "") << row[0];
+        EXPECT_EQ(add(entered), "") << row[0];
         push("as_done");
         std::vector<Association> read;
         ASSERT_EQ(assoc_parse(file(), &read), 0);
@@ -187,18 +171,18 @@ TEST_F(AssociateTest, ARowThatTheNextStartCouldNotReadKeepsTheDialogOpen) {
 TEST_F(AssociateTest, CancelEscapeAndClosingChangeNothing) {
     const std::string before = table();
     const std::function<void()> ends[] = {[] { push("as_cancel"); },
-                                          [] { QTest::keyClick(list(), Qt::Key_Escape); },
+                                          [] { press_in("as_list", Qt::Key_Escape); },
                                           [] {  // with the editor over it
                                               push("as_add");
-                                              shown_dialog("associate_dlg")->close();
+                                              qt(w_instance("associate_dlg"))->close();
                                           }};
     for (const auto& end : ends) {
         em_edit_associations();
         EXPECT_EQ(patterns_shown(), "*.c *.x\xEF\xBF\xBD * ");
         push("as_remove");
         end();
-        EXPECT_EQ(shown_dialog("associate_dlg"), nullptr);
-        EXPECT_EQ(shown_dialog("assoc_type_dlg"), nullptr);
+        EXPECT_FALSE(is_open("associate_dlg"));
+        EXPECT_FALSE(is_open("assoc_type_dlg"));
         EXPECT_EQ(table(), before);
         EXPECT_EQ(file(), "");
     }
@@ -207,41 +191,33 @@ TEST_F(AssociateTest, CancelEscapeAndClosingChangeNothing) {
 TEST_F(AssociateTest, TheListTakesNoInputWhileTheEditorIsOpen) {
     em_edit_associations();
     push("as_edit");
-    QWidget* editor = shown_dialog("assoc_type_dlg");
     push("as_remove");
-    QTest::keyClick(list(), Qt::Key_Escape);
+    press_in("as_list", Qt::Key_Escape);
     em_edit_associations();
     signal_refresh();
-    EXPECT_EQ(shown_dialog("assoc_type_dlg"), editor);
+    EXPECT_TRUE(is_open("assoc_type_dlg"));
     EXPECT_EQ(list()->topLevelItemCount(), 3);
-    QTest::keyClick(editor, Qt::Key_Escape);
-    EXPECT_EQ(shown_dialog("assoc_type_dlg"), nullptr);
+    press_in("assoc_type_dlg", Qt::Key_Escape);
+    EXPECT_FALSE(is_open("assoc_type_dlg"));
     push("as_remove");
     EXPECT_EQ(list()->topLevelItemCount(), 2);
 }
 
 TEST_F(AssociateTest, TheKeysOfTheListAndOfTheEditor) {
-    const auto gets_focus = [](const char* name) {
-        return QTest::qWaitFor([name] {
-            return QApplication::focusWidget() != nullptr &&
-                   QApplication::focusWidget() == qt(w_instance(name));
-        });
-    };
     em_edit_associations();
     ASSERT_TRUE(gets_focus("as_list"));
-    QTest::keyClick(list(), Qt::Key_Down);
-    QTest::keyClick(list(), Qt::Key_Return);
+    press_in("as_list", Qt::Key_Down);
+    press_in("as_list", Qt::Key_Return);
     ASSERT_TRUE(gets_focus("at_pattern"));
-    auto* pattern = qt_instance<QLineEdit>("at_pattern");
-    pattern->setText(QStringLiteral("*.key"));
-    QTest::keyClick(pattern, Qt::Key_Return);
+    enter("at_pattern", "*.key");
+    press_in("at_pattern", Qt::Key_Return);
     ASSERT_TRUE(gets_focus("as_list"));
-    QTest::keyClick(list(), Qt::Key_Delete);
+    press_in("as_list", Qt::Key_Delete);
     EXPECT_EQ(patterns_shown(), "*.key * ");
     const QPoint row = list()->visualItemRect(list()->topLevelItem(1)).center();
     QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, row);
     QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, row);
-    EXPECT_EQ(qt_instance<QLineEdit>("at_pattern")->text(), QStringLiteral("*"));
+    EXPECT_EQ(text_of("at_pattern"), "*");
 }
 
 }  // namespace
