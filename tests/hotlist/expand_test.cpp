@@ -26,10 +26,6 @@ class ExpandTest : public HotlistTest {
         dirstream_set_test_hook(nullptr);
         HotlistTest::TearDown();
     }
-    static void hold_streams() {
-        sHeld = true;
-        dirstream_set_test_hook(hold);
-    }
     static bool is_blocked() {
         return ui_is_blocked(w_instance("base"));
     }
@@ -54,19 +50,6 @@ TEST_F(ExpandTest, ListsEverySubdirectoryInTheOrderOfItsBytes) {
         EXPECT_EQ(x_get_fullpath(item->child(i)), sandbox_.file(name_of(item->child(i))));
     EXPECT_EQ(image_of(item), TreeImage::OpenFolder);
     EXPECT_FALSE(is_blocked());
-}
-
-TEST_F(ExpandTest, FollowsTheOptionsForOrderAndDotNames) {
-    for (const char* name : {"c", "a", ".dot", "b", "d"})
-        sandbox_.mkdir(name);
-    gOptions &= ~(kOptionTreeSorted | kOptionTreeDotEntries);
-    Names expected;  // in the order in which the system lists them
-    for (const auto& entry : std::filesystem::directory_iterator(sandbox_.path()))
-        expected.push_back(entry.path().filename());
-    std::erase(expected, ".dot");
-    QTreeWidgetItem* item = add();
-    expand(item);
-    EXPECT_EQ(children_of(item), expected);
 }
 
 TEST_F(ExpandTest, CollapsingFreesTheChildrenAndReopeningReadsThemAnew) {
@@ -102,22 +85,6 @@ TEST_F(ExpandTest, WhatVanishedHasNoChildrenAndASortedTreeDropsIt) {
     EXPECT_FALSE(is_blocked());
 }
 
-TEST_F(ExpandTest, TheEventLoopRunsAndTheWindowIsBlockedWhileADirectoryDoesNotAnswer) {
-    sandbox_.mkdir("slow");
-    hold_streams();
-    QTreeWidgetItem* item = add();
-    item->setExpanded(true);
-    int ticks = 0;
-    QTimer ticker;
-    ticker.callOnTimeout([&] {
-        if (is_blocked() && ++ticks == 5) sHeld = false;
-    });
-    ticker.start(1);
-    ASSERT_TRUE(wait_for([&] { return item->childCount() > 0; }));
-    EXPECT_GE(ticks, 5);
-    EXPECT_FALSE(is_blocked());
-}
-
 TEST_F(ExpandTest, AnItemMayGoOrCloseOrTheProgramEndWhileItIsFilled) {
     const std::function<void(QTreeWidgetItem*)> events[] = {
         [this](QTreeWidgetItem*) { tree_remove(&gTree, sandbox_.path()); },
@@ -127,7 +94,8 @@ TEST_F(ExpandTest, AnItemMayGoOrCloseOrTheProgramEndWhileItIsFilled) {
     };
     sandbox_.mkdir("child");
     for (const auto& event : events) {
-        hold_streams();
+        sHeld = true;
+        dirstream_set_test_hook(hold);
         QTreeWidgetItem* item = add();
         item->setExpanded(true);
         bool happened = false;

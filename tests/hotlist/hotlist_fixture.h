@@ -1,18 +1,11 @@
 // The fixture of the tree's tests: the main window with an empty hotlist.
 #pragma once
 
-#include "config/config.h"
 #include "hotlist/hotlist_tree.h"
 #include "hotlist/tree_item.h"
 #include "support_gui/window_test.h"
-#include "ui/qt_widget.h"
 
-#include <QTest>
 #include <QTreeWidget>
-
-#include <functional>
-#include <string>
-#include <vector>
 
 namespace dorn {
 
@@ -26,7 +19,6 @@ class HotlistTest : public WindowTest {
         clear();
     }
     void TearDown() override {
-        gOptions = ~kOptionProbeFiles;
         clear();
         WindowTest::TearDown();
     }
@@ -58,9 +50,6 @@ class HotlistTest : public WindowTest {
     }
     static TreeImage image_of(const QTreeWidgetItem* item) {
         return TreeImage(item->data(0, kTreeImageRole).toInt());
-    }
-    static bool expandable(const QTreeWidgetItem* item) {
-        return item->childIndicatorPolicy() == QTreeWidgetItem::ShowIndicator;
     }
     static Names children_of(const QTreeWidgetItem* item) {
         Names names;
