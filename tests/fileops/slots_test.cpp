@@ -10,6 +10,7 @@
 #include "ui/dialogs.h"
 #include "ui/qt_widget.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QLineEdit>
 #include <QPushButton>
@@ -185,6 +186,11 @@ TEST_F(Slots, TheLongNameDialogGivesTheNameTypedOrSkips) {
         newfile = "proposed\xff";
         do_rename = 0;
         while_asked([button = button, typed = typed] {
+            for (QWidget* control : QApplication::activeModalWidget()->findChildren<QWidget*>()) {
+                if (!control->isVisible() || control->focusPolicy() == Qt::NoFocus) continue;
+                const auto* told = QAccessible::queryAccessibleInterface(control);
+                EXPECT_FALSE(told->text(QAccessible::Name).isEmpty()) << "for a screen reader";
+            }
             qt_instance<QLineEdit>("long_filename_newname")->setText(QString::fromUtf8(typed));
             qt_instance<QPushButton>(button)->click();
         });

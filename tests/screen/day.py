@@ -5,6 +5,7 @@ that the program shows (its working directory), the files.
 """
 import os
 import shutil
+import sys
 import tempfile
 import time
 
@@ -12,6 +13,7 @@ from screen import PATIENCE, Missing, Screen, wait
 
 MAIN = "dorn"
 OPERATIONS = "DORN: File Operations"
+FIRST_ROW, ROW = 105, 18  # of the list: where ".." is from the top of the window, and the next below
 
 
 class Day:
@@ -54,9 +56,9 @@ class Day:
         wait(f"nothing at {path}", lambda: not os.path.lexists(self.at(path)))
 
     # The program.
-    def begin(self, path):
+    def begin(self, path, *options):
         """Starts it with that directory."""
-        self.process = self.screen.start(self.program, self.at(path))
+        self.process = self.screen.start(self.program, *options, self.at(path))
         self.await_window(MAIN)
         self.shows(path)
 
@@ -128,3 +130,24 @@ class Day:
             except Missing:
                 if time.monotonic() > end:
                     raise
+
+
+def main(steps):
+    """Goes through the steps, each a function of a day, with the arguments of working_day.py."""
+    day = Day(os.path.abspath(sys.argv[1]))
+    try:
+        for number, step in enumerate(steps, 1):
+            step(day)
+            if len(sys.argv) > 2:
+                day.screen.picture(f"{sys.argv[2]}/{number:02}-{step.__name__}.png")
+    except Exception as failure:
+        picture = os.path.abspath(f"{step.__name__}.png")
+        day.screen.picture(picture)
+        print(f"{step.__name__}: {failure}\nThe keyboard is in the window "
+              f"{day.screen.active_title()!r}; picture: {picture}\nWritten by the program:\n"
+              f"{day.read('../log')}")
+        if not isinstance(failure, Missing):
+            raise
+        sys.exit(1)
+    finally:
+        day.end()

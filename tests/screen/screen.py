@@ -1,14 +1,11 @@
 """A private X server with a window manager, and what a person does and sees on it.
 
-screen.py PROGRAM [ARGUMENT...] runs that program on one, with a HOME of its own.
-
 Everything goes in by keys and mouse (xdotool). Every wait is for a condition; one that does not come
 true in time raises Missing, which says what was expected.
 """
 import os
+import signal
 import subprocess
-import sys
-import tempfile
 import time
 
 PATIENCE = 30.0  # seconds that a condition may take on a busy machine
@@ -55,6 +52,7 @@ class Screen:
     def end(self):
         for child in reversed(self.children):
             child.terminate()
+            child.send_signal(signal.SIGCONT)  # to one that a test has stopped
             child.wait()
 
     def output(self, *words):
@@ -80,9 +78,10 @@ class Screen:
 
     def clipboard(self):
         """The names in the list of files on the clipboard."""
-        uris = self.output("timeout", "5", "xclip", "-o", "-selection", "clipboard", "-t",
-                           "text/uri-list").split()
-        return sorted(uri.rsplit("/", 1)[1] for uri in uris)
+        return sorted(uri.rsplit("/", 1)[1] for uri in self.clipboard_as("text/uri-list").split())
+
+    def clipboard_as(self, kind):
+        return self.output("timeout", "5", "xclip", "-o", "-selection", "clipboard", "-t", kind)
 
     # What a person does.
     def key(self, *keys):
@@ -97,17 +96,3 @@ class Screen:
         """In the active window or the given one, that many pixels from its upper left corner."""
         self.output("xdotool", "mousemove", "--window", window or self.active_window(), str(x),
                     str(y), "click", "--repeat", str(times), "--delay", "60", str(button))
-
-
-def main(*words):
-    with tempfile.TemporaryDirectory() as home:
-        os.mkdir(home + "/.or")
-        screen = Screen(home, home + "/log")
-        try:
-            return subprocess.run(words, env=screen.environment, check=False).returncode
-        finally:
-            screen.end()
-
-
-if __name__ == "__main__":
-    sys.exit(main(*sys.argv[1:]))

@@ -9,12 +9,10 @@ status 1.
 import os
 import stat
 import struct
-import sys
 
-from day import MAIN, OPERATIONS, Day
+from day import FIRST_ROW, MAIN, OPERATIONS, ROW, main
 from screen import Missing, wait
 
-FIRST_ROW, ROW = 105, 18  # of the list: where ".." is from the top of the window, and the next below
 NOTES = "one\ntwo\nthree\n"
 BIG = 64 << 20  # bytes
 
@@ -244,30 +242,5 @@ def next_morning(day):
     day.expect_end()
 
 
-STEPS = (start, browse, search, select_by_pattern, copy, cancel, move, rename, change_modes, link,
-         associate, open_files, print_to_file, preferences, two_windows, leave, next_morning)
-
-
-def main():
-    day = Day(os.path.abspath(sys.argv[1]))
-    try:
-        for number, step in enumerate(STEPS, 1):
-            step(day)
-            if len(sys.argv) > 2:
-                day.screen.picture(f"{sys.argv[2]}/{number:02}-{step.__name__}.png")
-    except Exception as failure:
-        picture = os.path.abspath(f"working_day-{step.__name__}.png")
-        day.screen.picture(picture)
-        print(f"{step.__name__}: {failure}\nThe keyboard is in the window "
-              f"{day.screen.active_title()!r}; picture: {picture}\nWritten by the program:\n"
-              f"{day.read('../log')}")
-        if not isinstance(failure, Missing):
-            raise
-        return 1
-    finally:
-        day.end()
-    return 0
-
-
-if __name__ == "__main__":
-    sys.exit(main())
+main((start, browse, search, select_by_pattern, copy, cancel, move, rename, change_modes, link,
+      associate, open_files, print_to_file, preferences, two_windows, leave, next_morning))
