@@ -210,7 +210,7 @@ TEST_F(CommandTest, HostileNamesAreNotRunWhereNoQuotesFit) {
     for (const char* command :
          {"show `echo @`", "show \"`echo @`\"", "show $(( @ ))", "sh -c 'show \"x @\"'",
           "sh -c \"show 'x @'\"", "sh -c 'show # @'", "show $@", "show \"$(show @)\"", "show << @",
-          "show $'a\\' @", "show x >& @"}) {
+          "show $'a\\' @", "show x >& @", "sh -c '((x = @))'", "sh -c \"((x = @))\""}) {
         for (const std::string& name : shell_names()) {
             EXPECT_EQ(command_line(command, quoted({name})).has_value(),
                       std::ranges::all_of(name, is_plain))

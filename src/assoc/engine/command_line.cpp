@@ -108,8 +108,8 @@ class Builder {
                 if (c == '\'')
                     where_ = Where::Plain;
                 else if (std::string_view("\"`#").find(c) != std::string_view::npos ||
-                         ahead.starts_with("<<") || ahead.starts_with("$((") ||
-                         is_output_to_file(ahead))
+                         ahead.starts_with("<<") || ahead.starts_with("((") ||
+                         ahead.starts_with("$[") || is_output_to_file(ahead))
                     section_nested_ = true;
                 return;
             case Where::Double:
@@ -119,7 +119,7 @@ class Builder {
                          ahead.starts_with("$["))
                     nested_ = true;
                 else if (c == '\'' || c == '#' || ahead.starts_with("<<") ||
-                         is_output_to_file(ahead))
+                         ahead.starts_with("((") || is_output_to_file(ahead))
                     section_nested_ = true;
                 return;
             case Where::Plain:
