@@ -39,8 +39,8 @@ void hang_up_command(int /*signal*/) {
     _exit(error == ENOENT ? 127 : 126);
 }
 
-/// Waits for the command's end and returns its status. A stopped command goes on, in the foreground,
-/// lest it stops at once again: there is no shell that could continue it.
+/// Waits for the command's end and returns its status. A stopped command goes on, in the
+/// foreground, lest it stops at once again: there is no shell that could continue it.
 int wait_for_command() {
     int status = 0;
     for (;;) {
