@@ -255,7 +255,7 @@ bool ListView::move_by_key(QKeyEvent* event) {
     const int last = static_cast<int>(gPane.rows.size()) - 1;
     const int page = qMax(1, viewport()->height() / qMax(1, sizeHintForRow(0)) - 1);
     const bool gone = current_row_ < 0;  // the entry below has come to its row
-    const int here = gone ? left_row_ : current_row_;
+    const int here = gone ? qMin(left_row_, last + 1) : current_row_;  // more may be gone
     QScrollBar* across = horizontalScrollBar();
     switch (event->key()) {
         case Qt::Key_Up:

@@ -115,6 +115,12 @@ TEST_F(Selection, KeysGoOnWhereAnEntryWasThatIsGone) {
         press(key);
         EXPECT_EQ(selected(), key == Qt::Key_Up ? "abc" : "c.c") << name;
     }
+    click("d");
+    for (const char* name : {"abc", "d"})  // the row's place is gone, too
+        std::filesystem::remove(sandbox_.file(name));
+    fl_refresh();
+    press(Qt::Key_Up);
+    EXPECT_EQ(gPane.view->current_row(), static_cast<int>(gPane.rows.size()) - 1);
 }
 
 TEST_F(Selection, TypingSearchesEscapeKeepsTheSelectionAndEnterConfirms) {
