@@ -136,7 +136,7 @@ void fl_refresh_if_asked() {
 }
 
 int fl_setpath(const char* path) {
-    if (sReading) return -1;
+    if (sReading || sHolds > 0) return -1;  // the entries must stay those of the path
     std::optional<std::string> checked = x_check_path(path);
     if (!checked || *checked == fl_cache().path) return -1;
     gDir->path = std::move(*checked);
