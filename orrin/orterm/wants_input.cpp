@@ -15,6 +15,7 @@
 #include <optional>
 #include <poll.h>
 #include <string>
+#include <sys/epoll.h>
 #include <sys/select.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -81,6 +82,23 @@ bool select_waits_for_terminal(const Thread& thread, uint64_t count, uint64_t ad
     return false;
 }
 
+bool epoll_waits_for_terminal(const Thread& thread, uint64_t fd) {
+    const std::optional<std::string> text =
+        read_start("/proc/" + std::to_string(thread.process) + "/fdinfo/" + std::to_string(fd));
+    if (!text) return false;
+    // A line for each descriptor: "tfd: 0 events: 19 ...".
+    constexpr const char* kItem = "\ntfd:";
+    for (size_t at = text->find(kItem); at != std::string::npos; at = text->find(kItem, at + 1)) {
+        uint64_t item = 0;
+        uint32_t events = 0;
+        if (std::sscanf(text->c_str() + at, "\ntfd: %" SCNu64 " events: %" SCNx32, &item,
+                        &events) == 2 &&
+            (events & EPOLLIN) != 0 && is_terminal(thread, item))
+            return true;
+    }
+    return false;
+}
+
 bool call_waits_for_terminal(const Thread& thread, long call, uint64_t first, uint64_t second) {
     switch (call) {
         case SYS_read:
@@ -96,6 +114,12 @@ bool call_waits_for_terminal(const Thread& thread, long call, uint64_t first, ui
 #endif
         case SYS_pselect6:
             return select_waits_for_terminal(thread, first, second);
+#ifdef SYS_epoll_wait
+        case SYS_epoll_wait:
+#endif
+        case SYS_epoll_pwait:
+        case SYS_epoll_pwait2:
+            return epoll_waits_for_terminal(thread, first);
         default:
             return false;
     }

@@ -168,6 +168,11 @@ TEST_F(Orterm, ASilentCommandHasNoWindowAndOneThatWasNotReadKeepsIts) {
         {sh("read x; exit 130"), 130, ""},
         {sh("stty -icanon; sleep 0.2; read x; test $x = typed"), 0, ""},
         {{"-U", "bash", "-c", "read -t 60 x; test $x = typed"}, 0, ""},
+        {{"-U", "python3", "-ISc",
+          "import os, select\ne = select.epoll()\ne.register(0, select.EPOLLIN)\ne.poll()\n"
+          "os._exit(os.read(0, 9) != b'typed\\n')"},
+         0,
+         ""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.words.back());
