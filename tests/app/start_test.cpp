@@ -141,6 +141,9 @@ TEST_F(Start, StartDirectoryIsTheFirstArgumentThatIsNoOption) {
 }
 
 TEST_F(Start, SignalsThatOthersSendNeverEndIt) {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "it holds signals back, of those that come close together some for ever";
+#endif
     start({shown_}, shown_);
     EXPECT_EQ(read_file(proc("comm")), "dorn\n")
         << "the name that the broadcast after a file operation goes to";
