@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <spawn.h>
 #include <string_view>
 #include <sys/stat.h>
@@ -23,7 +24,8 @@ constexpr const char* kAdaptorFolders[] = {".", "../orrin"};
 constexpr const char* kRunning = "/proc/self/exe";
 constexpr int kFirstOwnDescriptor = 3;
 
-std::string sAdaptors;  // their folder; empty while none was found
+std::string sAdaptors;    // their folder; empty while none was found
+std::mutex sEnvironment;  // held while `environ` is written, or read for a start
 
 bool is_executable_file(const std::string& path) {
     struct stat status {};
@@ -39,6 +41,7 @@ std::string running_executable() {
 }
 
 std::string search_path() {
+    const std::lock_guard lock(sEnvironment);
     if (const char* path = std::getenv("PATH")) return path;
     std::array<char, 256> standard{};
     confstr(_CS_PATH, standard.data(), standard.size());
@@ -100,6 +103,11 @@ std::vector<char*> pointers_to(const std::vector<std::string>& texts) {
 
 }  // namespace
 
+void set_environment(const char* name, const std::string& value) {
+    const std::lock_guard lock(sEnvironment);
+    setenv(name, value.c_str(), 1);
+}
+
 std::string find_program(const std::string& name, const std::string& folders) {
     std::string_view rest = folders;
     for (;;) {
@@ -140,7 +148,7 @@ void orrin_append_adaptors_to_path() {
         const std::string before = search_path();
         // Inherited from the window that started this one, it is there already.
         if ((":" + before + ":").find(std::string(":") + path.data() + ":") == std::string::npos)
-            setenv("PATH", (before + ":" + path.data()).c_str(), 1);
+            set_environment("PATH", before + ":" + path.data());
         return;
     }
 }
@@ -154,6 +162,7 @@ int spawn_program(const std::string& path, const std::vector<std::string>& argum
     std::vector<char*> words = pointers_to(arguments);
     words.push_back(nullptr);
     std::vector<char*> environment = pointers_to(variables);
+    const std::lock_guard lock(sEnvironment);
     for (char** inherited = environ; *inherited != nullptr; ++inherited)
         environment.push_back(*inherited);
     environment.push_back(nullptr);

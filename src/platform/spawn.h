@@ -16,6 +16,10 @@ namespace dorn {
 /// replaced; a name without "/" is looked up along PATH. Empty when there is none.
 std::string orrin_program(const std::string& program);
 
+/// Sets a variable of the program's environment, which its children get. Any thread; programs that
+/// are being started meanwhile get the variable as it was or as it is.
+void set_environment(const char* name, const std::string& value);
+
 /// The executable file `name` in the first of the colon-separated `folders` that has it (an empty
 /// one is the working directory); empty when none has.
 std::string find_program(const std::string& name, const std::string& folders);

@@ -3,7 +3,6 @@
 #include "dirmodel/dir_entry.h"
 #include "platform/spawn.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <optional>
@@ -55,14 +54,6 @@ bool is_terminal_command(std::string_view command) {
     return command.size() == word.size() || std::strchr(kWhiteSpace, command[word.size()]);
 }
 
-/// Tells children which input group their windows belong to. The environment is written only when
-/// it changes, for other threads read it when they start programs.
-void set_input_group(int input_group) {
-    const std::string text = std::to_string(input_group);
-    const char* before = std::getenv("ORNIG");
-    if (before == nullptr || text != before) setenv("ORNIG", text.c_str(), 1);
-}
-
 int start(const std::string& path, const std::vector<std::string>& arguments) {
     return path.empty() || spawn_program(path, arguments) == -1 ? -1 : 0;
 }
@@ -101,7 +92,7 @@ int file_cmd(const char* command, const char* name) {
 int misc_run(int input_group, int keep, const char* command) {
     command += std::strspn(command, kWhiteSpace);
     if (*command == '\0') return -1;
-    set_input_group(input_group);
+    set_environment("ORNIG", std::to_string(input_group));  // the group of children's windows
     if (is_terminal_command(command))
         return start(kShell, shell_words("sh", std::string("exec ") + command + " &"));
     std::vector<std::string> words = shell_words(kShell, command);
