@@ -163,11 +163,8 @@ class Dorn:
 
 
 def check_menus(dorn):
-    bar = find(dorn.window, {"menu bar"})
-    names = [bar.getChildAtIndex(i).name for i in range(bar.childCount)]
-    check(names == ["File", "Edit", "Go", "Bookmarks", "Help"], f"menus are {names}")
     found = {node.name: node.queryAction().getKeyBinding(0)
-             for node in walk(bar) if node.name in KEYS}
+             for node in walk(find(dorn.window, {"menu bar"})) if node.name in KEYS}
     check(found == KEYS, f"keys are {found}")
 
 
