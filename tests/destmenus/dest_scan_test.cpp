@@ -44,8 +44,8 @@ class ToldScan {
 
 TEST(DestScan, OnlyDirectoriesAreToldAndWhichOfThemHaveDirectories) {
     const Sandbox sandbox;
-    for (const char* name : {"99999999999", "10", "9", "9/sub", "b", "b/.hidden", ".dot",
-                             ".dot/sub", "x\ny\xff", "x\ny\xff/in", "-rf"})
+    for (const char* name : {"4294967297", "10", "9", "9/sub", "b", "b/.hidden", ".dot", ".dot/sub",
+                             "x\ny\xff", "x\ny\xff/in", "-rf"})
         sandbox.mkdir(name);
     sandbox.write("file");
     sandbox.write("-rf/file");
@@ -54,8 +54,8 @@ TEST(DestScan, OnlyDirectoriesAreToldAndWhichOfThemHaveDirectories) {
     sandbox.link("file", "to_file");
     sandbox.link("nowhere", "dangling");
     const std::tuple<std::string, bool, std::string, std::string> rows[] = {
-        {sandbox.path(), false, "-rf .dot 9 10 99999999999 b link x\ny\xff |", "->>>->>>"},
-        {sandbox.path(), true, "-rf 9 10 99999999999 b link x\ny\xff |", "->>-->>"},
+        {sandbox.path(), false, "-rf .dot 9 10 4294967297 b link x\ny\xff |", "->>>->>>"},
+        {sandbox.path(), true, "-rf 9 10 4294967297 b link x\ny\xff |", "->>-->>"},
         {sandbox.file("link"), true, "sub |", "-"},
         {sandbox.file("file"), false, "|", ""},
         {sandbox.file("missing"), false, "|", ""},
