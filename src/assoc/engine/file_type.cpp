@@ -27,7 +27,8 @@ struct PipeRecord {
 };
 
 std::mutex popen_mutex;
-std::list<PipeRecord> popen_list;
+// Never destroyed: at the program's end a thread that was left behind may still use it.
+std::list<PipeRecord>& popen_list = *new std::list<PipeRecord>;
 using PipePlace = std::list<PipeRecord>::iterator;
 
 // Both ends of a pipe; what is still held is closed.
