@@ -65,8 +65,8 @@ TEST_F(Navigation, RefusedMovesSayWhyAndChangeNothing) {
         {file, "Error: Path '" + file + "' not found"},
         {before + "//", ""},
         {"", "Error: Directory '', not found"}};
-    for (const auto& [path, said] : rows)
-        EXPECT_EQ(alerts_of([&] { EXPECT_EQ(go(path), -1); }), said) << path;
+    for (const auto& row : rows)
+        EXPECT_EQ(alerts_of([&] { EXPECT_EQ(go(row.first), -1); }), row.second) << row.first;
     EXPECT_EQ(gDir->path, before);
     EXPECT_EQ(fl_get_back_count(), steps);
 

@@ -19,17 +19,21 @@ TEST_F(HotlistTreeTest, ShowsAtOnceAndTakesThePictureOfWhatIsThere) {
         sandbox_.mkdir(name);
     sandbox_.write("plain");
     constexpr auto kOpens = QTreeWidgetItem::ShowIndicator;
-    const std::tuple<const char*, TreeImage, bool> rows[] = {
-        {"branch", TreeImage::ClosedFolder, true},
-        {"leaf", TreeImage::ClosedFolder, false},
-        {"plain", TreeImage::File, false},
-        {"none", TreeImage::InvalidFolder, false}};
-    for (const auto& [name, image, opens] : rows) {
-        const QTreeWidgetItem* item = add(name);
-        EXPECT_EQ(image_of(item), TreeImage::ClosedFolder) << name;
+    const struct {
+        const char* name;
+        TreeImage image;
+        bool opens;
+    } rows[] = {{"branch", TreeImage::ClosedFolder, true},
+                {"leaf", TreeImage::ClosedFolder, false},
+                {"plain", TreeImage::File, false},
+                {"none", TreeImage::InvalidFolder, false}};
+    for (const auto& row : rows) {
+        const QTreeWidgetItem* item = add(row.name);
+        EXPECT_EQ(image_of(item), TreeImage::ClosedFolder) << row.name;
         EXPECT_TRUE(wait_for([&] {
-            return image_of(item) == image && (item->childIndicatorPolicy() == kOpens) == opens;
-        })) << name;
+            const bool opens = item->childIndicatorPolicy() == kOpens;
+            return image_of(item) == row.image && opens == row.opens;
+        })) << row.name;
     }
 }
 
